@@ -1,0 +1,16 @@
+# cmake -DNM= -DOBJECTS=a;b -P: fails if an object other than module.cpp's runs code at load. The
+# order of start-up would then hang on the order of linking.
+foreach(object IN LISTS OBJECTS)
+    if(object MATCHES "frame/module\\.cpp\\.o(bj)?$")
+        set(module ${object})
+        continue()
+    endif()
+    execute_process(COMMAND ${NM} ${object} OUTPUT_VARIABLE out COMMAND_ERROR_IS_FATAL ANY)
+    if(out MATCHES "_GLOBAL__(sub_)?I_[^\n]*")
+        message(SEND_ERROR "${object} has a static initialiser: ${CMAKE_MATCH_0}")
+    endif()
+endforeach()
+execute_process(COMMAND ${NM} ${module} OUTPUT_VARIABLE out COMMAND_ERROR_IS_FATAL ANY)
+if(NOT out MATCHES "_GLOBAL__(sub_)?I_")
+    message(SEND_ERROR "the check does not see module.cpp's own initialiser")
+endif()

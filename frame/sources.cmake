@@ -1,0 +1,10 @@
+target_sources(tq_objects PRIVATE
+    frame/isa.cpp
+    frame/memory_auto.cpp
+    frame/memory_manager.cpp
+    frame/module.cpp
+    frame/platform.cpp
+    frame/tables.cpp
+    frame/thread_pool.cpp
+    frame/thread_wrappers.cpp
+    $<IF:$<PLATFORM_ID:Windows>,frame/platform_win32.cpp,frame/platform_posix.cpp>)

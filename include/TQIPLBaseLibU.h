@@ -1,0 +1,11 @@
+#pragma once
+
+// Image-processing routines for video work. This header brings in all of them.
+
+#include <tqipl/array.h>
+#include <tqipl/buffer.h>
+#include <tqipl/export.h>
+#include <tqipl/luminance.h>
+#include <tqipl/thread.h>
+#include <tqipl/types.h>
+#include <tqipl/wait_event.h>
