@@ -5,6 +5,7 @@
 #include <tqipl/array.h>
 #include <tqipl/buffer.h>
 #include <tqipl/export.h>
+#include <tqipl/image_memory.h>
 #include <tqipl/luminance.h>
 #include <tqipl/thread.h>
 #include <tqipl/types.h>
