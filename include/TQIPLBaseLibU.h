@@ -4,6 +4,7 @@
 
 #include <tqipl/array.h>
 #include <tqipl/buffer.h>
+#include <tqipl/color.h>
 #include <tqipl/export.h>
 #include <tqipl/image_memory.h>
 #include <tqipl/luminance.h>
