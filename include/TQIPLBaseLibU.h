@@ -11,3 +11,4 @@
 #include <tqipl/thread.h>
 #include <tqipl/types.h>
 #include <tqipl/wait_event.h>
+#include <tqipl/zoom.h>
