@@ -1,0 +1,28 @@
+#pragma once
+
+#include <span>
+#include <vector>
+
+#include "demo/exhibit.h"
+
+namespace tqipl {
+
+// A group of exhibits that every photograph gets. A new family of routines is one function here and
+// one line in sections.cpp.
+struct Section {
+    const char* title;
+    const char* introduction;
+    // The exhibits keep a reference to the sample. A photograph that is too small or too large for
+    // an exhibit goes without it.
+    std::vector<Exhibit> (*exhibits)(const Sample& sample);
+};
+
+std::span<const Section> Sections();
+
+std::vector<Exhibit> PhotographExhibits(const Sample& sample);
+std::vector<Exhibit> Packed422Exhibits(const Sample& sample);
+std::vector<Exhibit> LuminanceExhibits(const Sample& sample);
+std::vector<Exhibit> ZoomExhibits(const Sample& sample);
+std::vector<Exhibit> RectangleExhibits(const Sample& sample);
+
+}  // namespace tqipl

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+
+// What the timings depend on.
+
+namespace tqipl {
+
+std::string Version();
+unsigned int Processors();     // those that the library divides its work by
+std::string LevelInUse();      // the instruction-set level that the library takes here
+std::string MachineSummary();  // processors and level in a few words
+
+}  // namespace tqipl

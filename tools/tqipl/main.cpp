@@ -1,0 +1,129 @@
+// The command line of tqipl.
+
+#include <CLI/CLI.hpp>
+#include <csignal>
+#include <exception>
+#include <iostream>
+#include <new>
+#include <string>
+
+#include "commands.h"
+#include "host_error.h"
+#include "machine.h"
+#include "raw_formats.h"
+#include "text.h"
+#include "zoom_methods.h"
+
+namespace {
+
+using namespace tqipl;
+
+std::string FormatList() {
+    std::string list = "Formats:";
+    for (const RawFormat& format : RawFormats()) {
+        list += "\n  " + std::string(format.name) + ": " + format.layout;
+        if (format.toRaw.empty()) list += " (--from only)";
+        if (format.fromRaw.empty()) list += " (--to only)";
+    }
+    return list;
+}
+
+struct CommandLine {
+    CommandLine() : app("Pictures and video frames through the library TQIPLBaseLibU.", "tqipl") {
+        app.require_subcommand(1);
+        app.set_version_flag("--version", Version());
+        AddInfo();
+        AddZoom();
+        AddConvert();
+        AddDemo();
+    }
+
+    std::string CommandNames() {
+        std::string names;
+        for (const CLI::App* command : app.get_subcommands({}))
+            names += (names.empty() ? "" : ", ") + command->get_name();
+        return names;
+    }
+
+    void AddInfo() {
+        app.add_subcommand("info", "Print version, processor count and instruction-set level")
+            ->callback(RunInfo);
+    }
+
+    void AddZoom() {
+        CLI::App* command = app.add_subcommand("zoom", "Scale a PNG file");
+        command->add_option("IN.png", zoom.input, "The picture")->required();
+        command->add_option("OUT.png", zoom.output, "The result; grey stays grey")->required();
+        command->add_option("--size", zoom.size, "WIDTHxHEIGHT of the result")->required();
+        command->add_option("--method", zoom.method, "One of: " + ZoomMethodNames())->required();
+        command->add_flag("--single", zoom.single, "Use the plain form, on one thread");
+        command->callback([this] { RunZoom(zoom); });
+    }
+
+    void AddConvert() {
+        CLI::App* command =
+            app.add_subcommand("convert", "Convert a PNG file to a raw frame file, or back");
+        command->add_option("IN", convert.input, "PNG file, or raw file with --from")->required();
+        command->add_option("OUT", convert.output, "Raw file, or PNG file with --from")->required();
+        command->add_option("--to", convert.to, "Format of the raw file to write");
+        command->add_option("--from", convert.from, "Format of the raw file to read");
+        command->add_option("--size", convert.size, "WIDTHxHEIGHT of the raw file to read");
+        command->add_option("--matrix", convert.matrix, "601 (the default) or 709");
+        command->add_option("--range", convert.range,
+                            "studio (the default of yuyv and uyvy) or full (--from only)");
+        command->footer(FormatList());
+        command->callback([this] { RunConvert(convert); });
+    }
+
+    void AddDemo() {
+        CLI::App* command = app.add_subcommand(
+            "demo", "Run the library's routines on photographs; write PNG files and index.html");
+        command->add_option("DIR", demo.folder, "The folder to write to")->required();
+        command->add_option("--samples", demo.samples, "The folder of the photographs");
+        command->callback([this] { RunDemo(demo); });
+    }
+
+    CLI::App app;
+    ZoomOptions zoom;
+    ConvertOptions convert;
+    DemoOptions demo;
+};
+
+int Run(int argc, char** argv) {
+    CommandLine line;
+    try {
+        line.app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        if (error.get_exit_code() == 0) return line.app.exit(error);  // help and version
+        const std::string first = argc > 1 ? argv[1] : "";
+        if (!first.empty() && first[0] != '-' && line.app.get_subcommands().empty())
+            throw UsageError("unknown command '" + first + "'; known are: " + line.CommandNames());
+        throw UsageError(std::string(error.what()) + " (tqipl --help tells more)");
+    }
+    if (!std::cout.flush()) throw HostError("cannot write to the standard output");
+    return 0;
+}
+
+int Fail(const std::string& text, int exitCode) {
+    std::cout.flush();
+    std::cerr << "tqipl: " << OneLine(text) << "\n";
+    return exitCode;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    // A file that grows beyond the limit then fails to be written like any other.
+    std::signal(SIGXFSZ, SIG_IGN);
+    try {
+        return Run(argc, argv);
+    } catch (const HostError& error) {
+        return Fail(error.what(), error.ExitCode());
+    } catch (const std::bad_alloc&) {
+        return Fail("out of memory", kExitFailure);
+    } catch (const std::exception& error) {
+        return Fail(error.what(), kExitFailure);
+    } catch (...) {
+        return Fail("an unknown failure", kExitFailure);
+    }
+}
