@@ -1,0 +1,14 @@
+#pragma once
+
+// What main.cpp registers, in this order.
+
+namespace tqbench {
+
+void AddMemcpy();
+void AddLuminance();
+void AddPacked422();
+void AddImageMemory();
+void AddZoom();
+void AddPool();
+
+}  // namespace tqbench

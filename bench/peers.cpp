@@ -1,0 +1,151 @@
+// The same work done by other libraries, where they have an equivalent: their rows stand behind the
+// form's own. Rounding differs between libraries, so a peer's picture is compared with ours by its
+// mean difference: that shows the same work, not the same bytes.
+
+#include <libyuv.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <opencv2/core.hpp>
+#include <opencv2/imgproc.hpp>
+#include <string>
+
+#include "bench/support/rows.h"
+#include "frame/module.h"
+
+namespace tqbench {
+
+namespace {
+
+cv::Mat Image(Size size, int type, uint8_t* data) {
+    return cv::Mat(size.height, size.width, type, data);
+}
+
+void OpenCvConvert(const Form& form, uint8_t* src, int srcType, uint8_t* dst, int dstType,
+                   int code) {
+    cv::Mat to = Image(form.dstSize, dstType, dst);
+    cv::cvtColor(Image(form.srcSize, srcType, src), to, code);
+}
+
+void OpenCvResize(const Form& form, uint8_t* src, uint8_t* dst, int type, int method) {
+    cv::Mat to = Image(form.dstSize, type, dst);
+    cv::resize(Image(form.srcSize, type, src), to, to.size(), 0, 0, method);
+}
+
+using PeerCall = void (*)(const Form& form, uint8_t* src, uint8_t* dst);
+
+struct Peer {
+    const char* form;
+    const char* library;
+    bool hasThreads;
+    PeerCall call;
+};
+
+constexpr const char* kOpenCv = "opencv";
+constexpr const char* kLibyuv = "libyuv";
+
+const Peer kPeers[] = {
+    {"IPL_ARGB2LUM", kOpenCv, true,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         OpenCvConvert(form, src, CV_8UC4, dst, CV_8UC1, cv::COLOR_BGRA2GRAY);
+     }},
+    {"IPL_ARGB2LUM", kLibyuv, false,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         const auto [w, h] = form.srcSize;
+         libyuv::ARGBToJ400(src, 4 * w, dst, w, w, h);
+     }},
+    {"IPL_YUYV2ARGB_601", kOpenCv, true,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         OpenCvConvert(form, src, CV_8UC2, dst, CV_8UC4, cv::COLOR_YUV2BGRA_YUYV);
+     }},
+    {"IPL_YUYV2ARGB_601", kLibyuv, false,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         const auto [w, h] = form.srcSize;
+         libyuv::YUY2ToARGB(src, 2 * w, dst, 4 * w, w, h);
+     }},
+    {"IPL_UYVY2ARGB_601", kOpenCv, true,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         OpenCvConvert(form, src, CV_8UC2, dst, CV_8UC4, cv::COLOR_YUV2BGRA_UYVY);
+     }},
+    {"IPL_UYVY2ARGB_601", kLibyuv, false,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         const auto [w, h] = form.srcSize;
+         libyuv::UYVYToARGB(src, 2 * w, dst, 4 * w, w, h);
+     }},
+    {"IPL_ARGB2YUYV_601", kLibyuv, false,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         const auto [w, h] = form.srcSize;
+         libyuv::ARGBToYUY2(src, 4 * w, dst, 2 * w, w, h);
+     }},
+    {"IPL_ZoomNN_8u_C1R", kOpenCv, false,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         OpenCvResize(form, src, dst, CV_8UC1, cv::INTER_NEAREST);
+     }},
+    {"IPL_ZoomNN_8u_C4R", kOpenCv, false,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         OpenCvResize(form, src, dst, CV_8UC4, cv::INTER_NEAREST);
+     }},
+    {"IPL_ZoomLinear_8u_C1R", kOpenCv, true,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         OpenCvResize(form, src, dst, CV_8UC1, cv::INTER_LINEAR);
+     }},
+    {"IPL_ZoomLinear_8u_C4R", kOpenCv, true,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         OpenCvResize(form, src, dst, CV_8UC4, cv::INTER_LINEAR);
+     }},
+    {"IPL_ZoomLinear_8u_C1R", kLibyuv, false,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         const auto [w, h] = form.srcSize;
+         libyuv::ScalePlane(src, w, w, h, dst, form.dstSize.width, form.dstSize.width,
+                            form.dstSize.height, libyuv::kFilterBilinear);
+     }},
+    {"IPL_ZoomLinear_8u_C4R", kLibyuv, false,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         const auto [w, h] = form.srcSize;
+         libyuv::ARGBScale(src, 4 * w, w, h, dst, 4 * form.dstSize.width, form.dstSize.width,
+                           form.dstSize.height, libyuv::kFilterBilinear);
+     }},
+    {"IPL_MemcpyInvert_CR4", kOpenCv, false,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         cv::Mat to = Image(form.dstSize, CV_8UC4, dst);
+         cv::flip(Image(form.srcSize, CV_8UC4, src), to, 0);
+     }},
+};
+
+// In steps of a byte's value. Rounding stays below it; a picture that is a pixel off exceeds it.
+constexpr double kSameWork = 2;
+
+std::string CheckPeer(const Form& form, PeerCall peer) {
+    const Frames& frames = GetFrames();
+    form.plain(frames.picture, frames.expected);
+    std::fill_n(frames.dst, form.dstBytes, 0);
+    peer(form, frames.picture, frames.dst);
+    int64_t sum = 0;
+    for (int64_t i = 0; i < form.dstBytes; ++i) sum += std::abs(frames.dst[i] - frames.expected[i]);
+    const double mean = static_cast<double>(sum) / static_cast<double>(form.dstBytes);
+    return mean <= kSameWork ? "" : "mean difference " + std::to_string(mean);
+}
+
+void AddPeerRow(const Form& form, const Peer& peer, bool threaded) {
+    const int threads = threaded ? static_cast<int>(g_IPLProcessorCount) : 1;
+    AddRow({.name = (threaded ? form.multiThreadName : form.name) + "/" + form.size + "/" +
+                    peer.library,
+            .items = form.dstSize.Pixels(),
+            .bytes = form.srcBytes + form.dstBytes,
+            .threaded = threaded,
+            .check = [=] { return CheckPeer(form, peer.call); },
+            .prepare = [=] { cv::setNumThreads(threads); },
+            .call = [=] { peer.call(form, GetFrames().picture, GetFrames().dst); }});
+}
+
+}  // namespace
+
+void AddPeerRows(const Form& form) {
+    for (const Peer& peer : kPeers) {
+        if (form.name != peer.form) continue;
+        AddPeerRow(form, peer, false);
+        if (peer.hasThreads) AddPeerRow(form, peer, true);
+    }
+}
+
+}  // namespace tqbench
