@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "frame/memory_manager.h"
+#include "support/deadline.h"
 #include "support/replaced_new.h"
 
 namespace {
@@ -261,6 +262,7 @@ TEST_F(MemoryAuto, AssignmentCopiesWithoutReleasing) {
 }
 
 TEST_F(MemoryAuto, SecondReleaseThroughACopyLeavesTheChainsWhole) {
+    tqtest::Deadline deadline;
     {
         CTQIPLMemoryAuto first(1, m_own);
         CTQIPLMemoryAuto second(first);

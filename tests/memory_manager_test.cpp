@@ -11,7 +11,6 @@
 #include <climits>
 #include <cstdint>
 #include <cstring>
-#include <latch>
 #include <memory>
 #include <new>
 #include <set>
@@ -19,6 +18,7 @@
 #include <vector>
 
 #include "support/deadline.h"
+#include "support/latch.h"
 #include "support/replaced_new.h"
 
 namespace {
@@ -35,6 +35,10 @@ std::vector<CIPLMemoryBuf*> Content(const CIPLStorageChain& chain) {
         EXPECT_EQ(atom->m_pChain, &chain);
         previous = atom;
         content.push_back(static_cast<CIPLMemoryBuf*>(atom));
+        if (content.size() > 10 * kBlock) {
+            ADD_FAILURE() << "the chain is a ring";
+            break;
+        }
     }
     EXPECT_EQ(chain.m_pTail, previous);
     EXPECT_EQ(chain.m_nCount, static_cast<int>(content.size()));
@@ -101,12 +105,12 @@ void AgeBy(CIPLMemoryAlloc& manager, int frees) {
 // First in this file, so that the shared manager is not there yet.
 TEST(SharedManager, FirstUseMayComeFromSeveralThreadsAtOnce) {
     tqtest::Deadline deadline;
-    std::latch together(4);
+    tqtest::Latch together(4);
     std::array<CIPLMemoryAlloc*, 4> seen{};
     std::vector<std::thread> threads;
     for (int i = 0; i < 4; ++i)
         threads.emplace_back([&, i] {
-            together.arrive_and_wait();
+            together.ArriveAndWait();
             if (i % 2) IPL_Free(IPL_Malloc(5));
             seen[i] = &tq::SharedMemoryManager();
         });
@@ -567,6 +571,7 @@ TEST(MemoryManager, ResizeToTheSameSizeKeepsTheMemory) {
 // ---- Freed twice, and the end -------------------------------------------------
 
 TEST(MemoryManager, SecondFreeOfAHeldBufferLeavesTheChainsWhole) {
+    tqtest::Deadline deadline;
     CIPLMemoryAlloc manager;
     CIPLMemoryBuf* held = manager.AllocBuf(1);
     CIPLMemoryBuf* other = manager.AllocBuf(1);
@@ -585,6 +590,7 @@ TEST(MemoryManager, SecondFreeOfAHeldBufferLeavesTheChainsWhole) {
 }
 
 TEST(MemoryManager, SecondFreeThatRetiresTheBufferLeavesTheChainsWhole) {
+    tqtest::Deadline deadline;
     CIPLMemoryAlloc manager;
     CIPLMemoryBuf* held = manager.AllocBuf(1);
     manager.FreeBuf(held);

@@ -9,7 +9,6 @@
 #include <cstdarg>
 #include <cstdint>
 #include <cstdio>
-#include <latch>
 #include <memory>
 #include <optional>
 #include <string>
@@ -316,6 +315,7 @@ TEST(Pages, ComeFromTheSeam) {
 
 TEST(DebugText, GoesToTheSeam) {
     static std::string seen;
+    seen.clear();
     tq::g_platformSeams.debugText = [](const char* text) { seen += text; };
     tq::EmitDebugText("one\n");
     tq::EmitDebugText("two %d\n");
@@ -326,15 +326,22 @@ TEST(DebugText, GoesToTheSeam) {
 #if defined(_WIN32)
 std::optional<std::wstring> g_debugString;
 
+// The channel raises an exception with the length and the text, wide or, by older systems, narrow.
 LONG CALLBACK CatchDebugString(EXCEPTION_POINTERS* raised) {
-    constexpr DWORD kWideDebugString = 0x4001000A;
+    constexpr DWORD kWide = 0x4001000A, kNarrow = 0x40010006;
     const EXCEPTION_RECORD& record = *raised->ExceptionRecord;
-    if (record.ExceptionCode != kWideDebugString) return EXCEPTION_CONTINUE_SEARCH;
-    g_debugString = reinterpret_cast<const wchar_t*>(record.ExceptionInformation[1]);
+    if (record.ExceptionCode != kWide && record.ExceptionCode != kNarrow)
+        return EXCEPTION_CONTINUE_SEARCH;
+    if (record.ExceptionCode == kWide) {
+        g_debugString = reinterpret_cast<const wchar_t*>(record.ExceptionInformation[1]);
+    } else {
+        const std::string narrow(reinterpret_cast<const char*>(record.ExceptionInformation[1]));
+        g_debugString = std::wstring(narrow.begin(), narrow.end());
+    }
     return EXCEPTION_CONTINUE_EXECUTION;
 }
 
-TEST(DebugText, GoesToTheSystemsDebugChannelAsWideText) {
+TEST(DebugText, GoesToTheSystemsDebugChannel) {
     void* const handler = AddVectoredExceptionHandler(1, CatchDebugString);
     tq::SystemDebugText("thread 7 newly create 100%d\n");
     RemoveVectoredExceptionHandler(handler);

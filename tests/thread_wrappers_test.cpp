@@ -5,7 +5,6 @@
 
 #include <array>
 #include <atomic>
-#include <latch>
 #include <memory>
 #include <mutex>
 #include <set>
@@ -18,6 +17,7 @@
 #include "support/deadline.h"
 #include "support/debug_lines.h"
 #include "support/function_task.h"
+#include "support/latch.h"
 #include "support/wait_done.h"
 
 namespace {
@@ -54,12 +54,12 @@ protected:
 // A task that says when it runs and ends when it is told to.
 struct HeldTask : CTQIPLTaskBase {
     int Run() override {
-        begun.count_down();
-        goOn.wait();
+        begun.CountDown();
+        goOn.Wait();
         finished = true;
         return 1;
     }
-    std::latch begun{1}, goOn{1};
+    tqtest::Latch begun{1}, goOn{1};
     std::atomic<bool> finished{false};
 };
 
@@ -108,9 +108,9 @@ TYPED_TEST(EachWrapper, EventIsUnsetWhileTheTaskRuns) {
     HeldTask task;
     TypeParam wrapper;
     void* const event = wrapper.SetTask(&task);
-    task.begun.wait();
+    task.begun.Wait();
     EXPECT_FALSE(WaitDone(event, 0));
-    task.goOn.count_down();
+    task.goOn.CountDown();
     EXPECT_TRUE(WaitDone(event));
     EXPECT_TRUE(task.finished);
 }
@@ -183,7 +183,7 @@ TYPED_TEST(EachWrapper, AssignmentTakesTheOthersThread) {
 TYPED_TEST(EachWrapper, ManyWorkAtOnce) {
     DebugLines lines;
     constexpr int kCount = 12;
-    std::latch all(kCount);
+    tqtest::Latch all(kCount);
     std::mutex mutex;
     std::set<std::string> expected;
     FunctionTask task([&] {
@@ -191,7 +191,7 @@ TYPED_TEST(EachWrapper, ManyWorkAtOnce) {
             std::lock_guard lock(mutex);
             expected.insert(DebugLines::Of(tq::CurrentThreadId()));
         }
-        all.arrive_and_wait();
+        all.ArriveAndWait();
     });
     std::array<TypeParam, kCount> wrappers;
     for (TypeParam& wrapper : wrappers) wrapper.SetTask(&task);
@@ -219,9 +219,9 @@ TYPED_TEST(EachWrapper, EachServesAThreadOfTheHost) {
 TYPED_TEST(EachWrapper, TaskMayRunTasksOnTheGlobalPool) {
     std::atomic<int> ran{0};
     FunctionTask task([&] {
-        std::latch both(2);
+        tqtest::Latch both(2);
         tqtest::TaskList tasks(6, [&](int i) {
-            if (i < 2) both.arrive_and_wait();
+            if (i < 2) both.ArriveAndWait();
             ++ran;
         });
         CTQIPLThreadPool::GetInstance()->RunTasks(tasks.Array(), 2);
@@ -262,7 +262,7 @@ TEST_F(Wrappers, SetTaskTakesALeftSignalAway) {
     HeldTask second;
     wrapper.SetTask(&second);
     EXPECT_FALSE(WaitDone(event, 0));
-    second.goOn.count_down();
+    second.goOn.CountDown();
     EXPECT_TRUE(WaitDone(event));
     EXPECT_TRUE(second.finished);
 }
@@ -271,14 +271,14 @@ TEST_F(Wrappers, EndWaitsForTheRunningTask) {
     for (int round = 0; round < 20; ++round) {
         HeldTask task;
         std::thread helper([&] {
-            task.begun.wait();
+            task.begun.Wait();
             for (int i = 0; i < 20; ++i) std::this_thread::yield();
-            task.goOn.count_down();
+            task.goOn.CountDown();
         });
         {
             CTQIPLThreadBase wrapper;
             wrapper.SetTask(&task);
-            task.begun.wait();
+            task.begun.Wait();
         }
         EXPECT_TRUE(task.finished);
         helper.join();
@@ -289,12 +289,12 @@ TEST_F(Wrappers, OnlyTheLastCopyEndsTheThread) {
     HeldTask task;
     auto first = std::make_unique<CTQIPLThreadBase>();
     void* const event = first->SetTask(&task);
-    task.begun.wait();
+    task.begun.Wait();
     {
         CTQIPLThreadBase second(*first);
         first.reset();  // does not wait for the task
         EXPECT_FALSE(task.finished);
-        task.goOn.count_down();
+        task.goOn.CountDown();
         EXPECT_TRUE(WaitDone(event));
     }
     EXPECT_TRUE(task.finished);
@@ -354,11 +354,11 @@ TEST_F(Wrappers, LeftSignalMeetsTheNextWait) {
     tqtest::SignalDone(event);
     HeldTask second;
     wrapper.SetTask(&second);
-    second.begun.wait();
+    second.begun.Wait();
     EXPECT_TRUE(WaitDone(event, 0));
     EXPECT_FALSE(second.finished);
     EXPECT_FALSE(WaitDone(event, 0));
-    second.goOn.count_down();
+    second.goOn.CountDown();
     EXPECT_TRUE(WaitDone(event));
     EXPECT_TRUE(second.finished);
 }
@@ -382,11 +382,11 @@ TEST_F(Wrappers, EndOfABorrowerDoesNotWait) {
     {
         CTQIPLThreadAuto wrapper;
         event = wrapper.SetTask(&task);
-        task.begun.wait();
+        task.begun.Wait();
     }
     EXPECT_FALSE(task.finished);
     EXPECT_EQ(Stats(), (Numbers{128, 1, 0, 1}));  // at work and idle
-    task.goOn.count_down();
+    task.goOn.CountDown();
     EXPECT_TRUE(WaitDone(event));
     EXPECT_TRUE(task.finished);
 }
@@ -398,14 +398,14 @@ TEST_F(Wrappers, WorkerThatIsReturnedTooEarlyStillDoesBoth) {
     {
         CTQIPLThreadAuto wrapper;
         event = wrapper.SetTask(&task);
-        task.begun.wait();
+        task.begun.Wait();
     }
     std::atomic<int> ran{0};
     tqtest::TaskList tasks(1, [&](int) { ++ran; });
     std::thread caller([&] { m_pool.RunTasks(tasks.Array(), 2); });
     EXPECT_TRUE(Eventually([] { return Stats()[3] == 0; }));  // the pool has taken it
     EXPECT_EQ(ran, 0);
-    task.goOn.count_down();
+    task.goOn.CountDown();
     caller.join();
     EXPECT_EQ(ran, 1);
     EXPECT_TRUE(WaitDone(event));
@@ -421,9 +421,9 @@ TEST_F(Wrappers, NullTaskOfABorrowedWorkerSignalsNothing) {
     EXPECT_FALSE(WaitDone(event, 20));
     HeldTask second;
     wrapper.SetTask(&second);
-    second.begun.wait();
+    second.begun.Wait();
     EXPECT_FALSE(WaitDone(event, 0));
-    second.goOn.count_down();
+    second.goOn.CountDown();
     EXPECT_TRUE(WaitDone(event));
 }
 

@@ -361,7 +361,10 @@ TEST(ZoomLinear, VeryWideAndVeryTallImagesEqualTheReference) {
 }
 
 TEST(ZoomLinear, VideoSizesEqualTheReference) {
-    for (const ZoomForm& form : kPlainForms)
+    // Bands of this size run at the same time, not one after the other.
+    tqtest::Settings settings;
+    settings.UseProcessors(4);
+    for (const ZoomForm& form : kForms)
         for (const ZoomSizes& sizes : {ZoomSizes{720, 486, 1920, 1080}, {1920, 1080, 1280, 720}})
             ASSERT_TRUE(tqtest::EqualsReference(form, sizes, tqtest::ZoomLayouts()[1],
                                                 Content::kNoise, 1, {tq::DetectIsaLevel()}));

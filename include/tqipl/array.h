@@ -49,7 +49,9 @@ public:
                 if (step < 4) step = 4;
                 if (step > 1024) step = 1024;
             }
-            const int64_t capacity = newSize > m_nMaxSize + step ? newSize : m_nMaxSize + step;
+            const int64_t room = INT64_MAX - m_nMaxSize;
+            const int64_t stepped = m_nMaxSize + (step < room ? step : room);
+            const int64_t capacity = newSize > stepped ? newSize : stepped;
             TYPE* grown = Allocate(capacity);
             std::memcpy(static_cast<void*>(grown), static_cast<const void*>(m_pData),
                         Bytes(m_nSize));

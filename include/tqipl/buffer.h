@@ -9,8 +9,9 @@ class CIPLMemoryBuf;
 // (size / 0x100000 + 1) mebibytes: a buffer is always at least a byte longer than asked for. A
 // cached buffer goes back to the system after 1501 further frees. Any thread may call at any time.
 
-// A buffer of at least `size` bytes from the shared manager, aligned to a page. A buffer that was
-// used before holds what was left in it, unless `zero` is not 0. A size of -1048576 to -2097151
+// A buffer of at least `size` bytes from the shared manager, aligned to 16 bytes at least (to a
+// page, unless the system had no pages left and the heap gave the memory). A buffer that was used
+// before holds what was left in it, unless `zero` is not 0. A size of -1048576 to -2097151
 // falls in the empty class and gives null. Throws std::bad_alloc when memory is exhausted.
 TQIPL_API unsigned char* IPL_Malloc(int size);
 TQIPL_API unsigned char* IPL_Malloc(int size, int zero);

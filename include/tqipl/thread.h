@@ -78,7 +78,8 @@ private:
 // The same with a worker borrowed from the global pool for the object's life. The constructor
 // blocks while the pool's limit of workers is reached and none is idle (with a limit of 0, one is
 // lent all the same). SetTask does not reset the event: a signal left from an earlier task meets
-// the next wait. The destructor does not wait: wait for the event first.
+// the next wait; and a null task signals nothing. The destructor does not wait: wait for the event
+// first.
 class TQIPL_API CTQIPLThreadAuto {
 public:
     CTQIPLThreadAuto();
