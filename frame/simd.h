@@ -33,6 +33,7 @@ using F32v = float __attribute__((vector_size(kVectorBytes)));
 // Vectors of 16 bytes at every level.
 using U8x16 = uint8_t __attribute__((vector_size(16)));
 using U16x8 = uint16_t __attribute__((vector_size(16)));
+using U32x4 = uint32_t __attribute__((vector_size(16)));
 
 template <class V> inline V Load(const void* from) {
     V v;
@@ -333,7 +334,7 @@ inline U8x16 InterleaveFours(U8x16 v) {
 #endif
 }
 
-// The bytes of v at the places that order names, each below 16.
+// The bytes of v at the places that order names, and 0 where it has 0x80. Places are below 16.
 #if defined(__SSSE3__)
 constexpr bool kHasByteShuffle = true;
 inline U8x16 ShuffleBytes(U8x16 v, U8x16 order) {
@@ -343,10 +344,85 @@ inline U8x16 ShuffleBytes(U8x16 v, U8x16 order) {
 constexpr bool kHasByteShuffle = false;
 inline U8x16 ShuffleBytes(U8x16 v, U8x16 order) {
     U8x16 result = v;
-    for (int i = 0; i < 16; ++i) result[i] = v[order[i]];
+    for (int i = 0; i < 16; ++i) result[i] = order[i] < 16 ? v[order[i]] : 0;
     return result;
 }
 #endif
+
+// Of the 32-bit lanes of two vectors, in order, the low and the high halves.
+inline U16v HighHalves(U32v a, U32v b) {
+#if defined(__AVX2__)
+    const __m256i packed =
+        _mm256_packs_epi32(_mm256_srai_epi32((__m256i)a, 16), _mm256_srai_epi32((__m256i)b, 16));
+    return (U16v)_mm256_permute4x64_epi64(packed, 0xD8);
+#elif defined(__SSE2__)
+    return (U16v)_mm_packs_epi32(_mm_srai_epi32((__m128i)a, 16), _mm_srai_epi32((__m128i)b, 16));
+#else
+    return __builtin_shufflevector((U16v)a, (U16v)b, 1, 3, 5, 7, 9, 11, 13, 15);
+#endif
+}
+inline U16v LowHalves(U32v a, U32v b) { return HighHalves(a << 16, b << 16); }
+
+// The lanes of a and of b alternating, in order.
+struct Alternated {
+    U16v first, second;
+};
+inline Alternated Alternate(U16v a, U16v b) {
+#if defined(__AVX2__)
+    const __m256i low = _mm256_unpacklo_epi16((__m256i)a, (__m256i)b);
+    const __m256i high = _mm256_unpackhi_epi16((__m256i)a, (__m256i)b);
+    return {(U16v)_mm256_permute2x128_si256(low, high, 0x20),
+            (U16v)_mm256_permute2x128_si256(low, high, 0x31)};
+#else
+    return {__builtin_shufflevector(a, b, 0, 8, 1, 9, 2, 10, 3, 11),
+            __builtin_shufflevector(a, b, 4, 12, 5, 13, 6, 14, 7, 15)};
+#endif
+}
+
+// Per 32-bit lane, one of kLanes32 pixels of three 16-bit words: the first word in the low and the
+// second in the high half of firstTwo, the third in the low half of third. WordsOf leaves the high
+// half of third 0; StoreTriples takes no notice of it, and writes exactly the bytes of the pixels.
+struct TripleWords {
+    U32v firstTwo, third;
+};
+inline TripleWords WordsOf(Triples t) {
+#if defined(__AVX2__)
+    const __m256 a = (__m256)t.a, b = (__m256)t.b;
+    return {(U32v)_mm256_shuffle_ps(a, b, 0x88), (U32v)_mm256_shuffle_ps(a, b, 0xDD) & 0xFFFF};
+#else
+    const U32v a = (U32v)t.a, b = (U32v)t.b;
+    return {__builtin_shufflevector(a, b, 0, 2, 4, 6),
+            __builtin_shufflevector(a, b, 1, 3, 5, 7) & 0xFFFF};
+#endif
+}
+inline void StoreTriples(void* to, TripleWords words) {
+    char* p = static_cast<char*>(to);
+#if defined(__AVX2__)
+    const __m256i order = _mm256_broadcastsi128_si256(
+        _mm_setr_epi8(0, 1, 2, 3, 4, 5, 8, 9, 10, 11, 12, 13, -1, -1, -1, -1));
+    const __m256i first = (__m256i)words.firstTwo, third = (__m256i)words.third;
+    const __m256i low = _mm256_shuffle_epi8(_mm256_unpacklo_epi32(first, third), order);
+    const __m256i high = _mm256_shuffle_epi8(_mm256_unpackhi_epi32(first, third), order);
+    const __m256i begin = _mm256_or_si256(low, _mm256_slli_si256(high, 12));
+    const __m256i end = _mm256_srli_si256(high, 4);
+    Store(p, _mm256_castsi256_si128(begin));
+    _mm_storel_epi64((__m128i*)(p + 16), _mm256_castsi256_si128(end));
+    Store(p + 24, _mm256_extracti128_si256(begin, 1));
+    _mm_storel_epi64((__m128i*)(p + 40), _mm256_extracti128_si256(end, 1));
+#elif defined(__SSSE3__)
+    const __m128i order = _mm_setr_epi8(0, 1, 2, 3, 4, 5, 8, 9, 10, 11, 12, 13, -1, -1, -1, -1);
+    const __m128i first = (__m128i)words.firstTwo, third = (__m128i)words.third;
+    const __m128i low = _mm_shuffle_epi8(_mm_unpacklo_epi32(first, third), order);
+    const __m128i high = _mm_shuffle_epi8(_mm_unpackhi_epi32(first, third), order);
+    Store(p, _mm_or_si128(low, _mm_slli_si128(high, 12)));
+    _mm_storel_epi64((__m128i*)(p + 16), _mm_srli_si128(high, 4));
+#else
+    for (int i = 0; i < kLanes32; ++i) {
+        Store(p + 6 * i, static_cast<uint32_t>(words.firstTwo[i]));
+        Store(p + 6 * i + 4, static_cast<uint16_t>(words.third[i]));
+    }
+#endif
+}
 
 // Per pair of bytes the sum of their products with a pair of weights, which stay below 128. The
 // sum stays below 32768.
