@@ -8,6 +8,7 @@
 #include <tqipl/export.h>
 #include <tqipl/image_memory.h>
 #include <tqipl/luminance.h>
+#include <tqipl/planes.h>
 #include <tqipl/thread.h>
 #include <tqipl/types.h>
 #include <tqipl/wait_event.h>
