@@ -1,5 +1,7 @@
 target_sources(tq_objects PRIVATE
     color/argb_to_packed422.cpp
+    color/hsv_byte.cpp
+    color/hsv_float.cpp
     color/luma_and_repack.cpp
     color/luminance.cpp
     color/matrix.cpp
@@ -8,6 +10,7 @@ target_sources(tq_objects PRIVATE
     color/planes.cpp)
 tq_add_kernels(
     color/argb_to_packed422_kernels.cpp
+    color/hsv_float_kernels.cpp
     color/luma_and_repack_kernels.cpp
     color/luminance_kernels.cpp
     color/matrix_kernels.cpp

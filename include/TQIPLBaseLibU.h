@@ -6,6 +6,7 @@
 #include <tqipl/buffer.h>
 #include <tqipl/color.h>
 #include <tqipl/export.h>
+#include <tqipl/hsv.h>
 #include <tqipl/image_memory.h>
 #include <tqipl/luminance.h>
 #include <tqipl/planes.h>

@@ -3,10 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <numeric>
 
 #include "frame/module.h"
+#include "reference/tables_reference.h"
 
 namespace {
 
@@ -120,6 +124,38 @@ TEST(Tables, EveryEntryIsNearItsExactValue) {
             ASSERT_LE(std::abs(IPL_TabValueT[a][b] - std::floor((1 - (1 - f) * s) * 1024 + 0.5)),
                       1.0);
         }
+}
+
+// Every entry again, by the same steps.
+TEST(Tables, EveryEntryEqualsTheReference) {
+    for (int d = -255; d <= 255; ++d) {
+        for (int x = 0; x < 256; ++x) {
+            ASSERT_EQ(HueMid[d][x], tqref::HueMidEntry(d, x)) << d << " " << x;
+            ASSERT_EQ(HueWrap[d][x], tqref::HueWrapEntry(d, x)) << d << " " << x;
+        }
+        ASSERT_EQ(std::bit_cast<uint32_t>(SoftWeight[d]),
+                  std::bit_cast<uint32_t>(tqref::SoftWeightEntry(d)))
+            << d;
+    }
+    for (int a = 0; a < 256; ++a)
+        for (int b = 0; b < 256; ++b) {
+            ASSERT_EQ(IPL_TabSaturation[a][b], tqref::SaturationEntry(a, b)) << a << " " << b;
+            ASSERT_EQ(IPL_TabValueP[a][b], tqref::ValuePEntry(a, b)) << a << " " << b;
+            ASSERT_EQ(IPL_TabValueQ[a][b], tqref::ValueQEntry(a, b)) << a << " " << b;
+            ASSERT_EQ(IPL_TabValueT[a][b], tqref::ValueTEntry(a, b)) << a << " " << b;
+        }
+    for (int r = 0; r < 256; ++r) {
+        int taps[5];
+        tqref::FiveTapRow(r, taps);
+        for (int i = 0; i < 5; ++i) ASSERT_EQ(IPL_TabFiveTap[r][i], taps[i]) << r << " " << i;
+    }
+}
+
+TEST(Tables, EveryMatrixEqualsTheReference) {
+    EXPECT_EQ(std::memcmp(IPL_MatrixYUV709x601, tqref::k709x601, sizeof tqref::k709x601), 0);
+    EXPECT_EQ(std::memcmp(IPL_MatrixYUV601x709, tqref::k601x709, sizeof tqref::k601x709), 0);
+    EXPECT_EQ(std::memcmp(IPL_MatrixYUV2020x709, tqref::k2020x709, sizeof tqref::k2020x709), 0);
+    EXPECT_EQ(std::memcmp(IPL_MatrixYUV709x2020, tqref::k709x2020, sizeof tqref::k709x2020), 0);
 }
 
 }  // namespace
