@@ -1,5 +1,6 @@
 target_sources(tq_objects PRIVATE
     color/argb_to_packed422.cpp
+    color/deep_bgr.cpp
     color/hsv_byte.cpp
     color/hsv_float.cpp
     color/luma_and_repack.cpp
@@ -7,13 +8,16 @@ target_sources(tq_objects PRIVATE
     color/matrix.cpp
     color/packed422_to_argb.cpp
     color/planar422.cpp
-    color/planes.cpp)
+    color/planes.cpp
+    color/v210_v216.cpp)
 tq_add_kernels(
     color/argb_to_packed422_kernels.cpp
+    color/deep_bgr_kernels.cpp
     color/hsv_float_kernels.cpp
     color/luma_and_repack_kernels.cpp
     color/luminance_kernels.cpp
     color/matrix_kernels.cpp
     color/packed422_to_argb_kernels.cpp
     color/planar422_kernels.cpp
-    color/planes_kernels.cpp)
+    color/planes_kernels.cpp
+    color/v210_v216_kernels.cpp)

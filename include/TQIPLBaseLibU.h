@@ -5,6 +5,7 @@
 #include <tqipl/array.h>
 #include <tqipl/buffer.h>
 #include <tqipl/color.h>
+#include <tqipl/deep.h>
 #include <tqipl/export.h>
 #include <tqipl/hsv.h>
 #include <tqipl/image_memory.h>
