@@ -7,6 +7,10 @@ namespace tqbench {
 void AddMemcpy();
 void AddLuminance();
 void AddPacked422();
+void AddPlanar422();
+void AddDeep();
+void AddHsv();
+void AddPlanes();
 void AddImageMemory();
 void AddZoom();
 void AddPool();

@@ -28,6 +28,10 @@ int main(int argc, char** argv) {
     tqbench::AddMemcpy();
     tqbench::AddLuminance();
     tqbench::AddPacked422();
+    tqbench::AddPlanar422();
+    tqbench::AddDeep();
+    tqbench::AddHsv();
+    tqbench::AddPlanes();
     tqbench::AddImageMemory();
     tqbench::AddZoom();
     tqbench::AddPool();

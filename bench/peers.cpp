@@ -77,6 +77,55 @@ const Peer kPeers[] = {
          const auto [w, h] = form.srcSize;
          libyuv::ARGBToYUY2(src, 4 * w, dst, 2 * w, w, h);
      }},
+    {"IPL_YUVP422_To_ARGB_601", kLibyuv, false,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         const auto [w, h] = form.srcSize;
+         const uint8_t *u = src + w * h, *v = u + w / 2 * h;
+         libyuv::I422ToARGB(src, w, u, w / 2, v, w / 2, dst, 4 * w, w, h);
+     }},
+    {"IPL_ARGB_To_YUVP422_601", kLibyuv, false,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         const auto [w, h] = form.srcSize;
+         uint8_t *u = dst + w * h, *v = u + w / 2 * h;
+         libyuv::ARGBToI422(src, 4 * w, dst, w, u, w / 2, v, w / 2, w, h);
+     }},
+    {"IPL_BGRA2RGB", kOpenCv, true,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         OpenCvConvert(form, src, CV_8UC4, dst, CV_8UC3, cv::COLOR_BGRA2RGB);
+     }},
+    {"IPL_BGRA2RGB", kLibyuv, false,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         const auto [w, h] = form.srcSize;
+         libyuv::ARGBToRAW(src, 4 * w, dst, 3 * w, w, h);
+     }},
+    {"IPL_BGRA2HSV_8u_C3R", kOpenCv, true,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         OpenCvConvert(form, src, CV_8UC4, dst, CV_8UC3, cv::COLOR_BGR2HSV_FULL);
+     }},
+    {"IPL_SplitColor:ARGB_4", kLibyuv, false,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         const auto [w, h] = form.srcSize;
+         libyuv::SplitARGBPlane(src, 4 * w, dst + 2 * w * h, w, dst + w * h, w, dst, w,
+                                dst + 3 * w * h, w, w, h);
+     }},
+    {"IPL_BuildColor:ARGB_4", kLibyuv, false,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         const auto [w, h] = form.srcSize;
+         libyuv::MergeARGBPlane(src + 2 * w * h, w, src + w * h, w, src, w, src + 3 * w * h, w, dst,
+                                4 * w, w, h);
+     }},
+    {"IPL_SplitColor:YUYV", kLibyuv, false,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         const auto [w, h] = form.srcSize;
+         uint8_t *u = dst + w * h, *v = u + w / 2 * h;
+         libyuv::YUY2ToI422(src, 2 * w, dst, w, u, w / 2, v, w / 2, w, h);
+     }},
+    {"IPL_BuildColor:YUYV", kLibyuv, false,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         const auto [w, h] = form.srcSize;
+         const uint8_t *u = src + w * h, *v = u + w / 2 * h;
+         libyuv::I422ToYUY2(src, w, u, w / 2, v, w / 2, dst, 2 * w, w, h);
+     }},
     {"IPL_ZoomNN_8u_C1R", kOpenCv, false,
      [](const Form& form, uint8_t* src, uint8_t* dst) {
          OpenCvResize(form, src, dst, CV_8UC1, cv::INTER_NEAREST);

@@ -31,12 +31,13 @@ using Call = std::function<void(uint8_t* src, uint8_t* dst)>;
 
 // A form on dense images of one size.
 struct Form {
-    std::string name;             // of the plain form
+    std::string name;             // of the plain form; empty if there is none
     std::string multiThreadName;  // empty if there is none
     std::string size;             // as the rows name it
     Size srcSize, dstSize;
     int64_t srcBytes, dstBytes;  // read from the source and written to the destination
     bool hasKernels;             // a row at every level, not one
+    // Without a plain form `plain` is the other one: the first check calls it.
     Call plain, multiThread, reference;
 };
 
