@@ -7,7 +7,7 @@ cd "$(dirname "$0")"
 presets=("$@")
 [ ${#presets[@]} -gt 0 ] || presets=(linux-gcc)
 
-packages=(cmake ninja-build g++ googletest pkg-config libcli11-dev libpng-dev clang-format)
+packages=(cmake ninja-build g++ googletest pkg-config libcli11-dev libpng-dev clang-format ffmpeg)
 for preset in "${presets[@]}"; do
     case "$preset" in
         linux-clang) packages+=(clang) ;;

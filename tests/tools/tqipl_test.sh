@@ -143,6 +143,54 @@ from_raw uyvy 101010ffebebebff 2x1 '\x80\x10\x80\xEB' --range full
 from_raw yuyv 000000ffffffffff 2x1 '\x10\x80\xEB\x80' --matrix 709 --range studio
 from_raw vuyt 646464ff 1x1 '\x80\x80\x64\x00'
 
+# Samples by hand: the bytes of each format, and what they look like.
+from_raw yuvp422 000000ffffffffff 2x1 '\x10\xEB\x80\x80'
+from_raw yuv422p 101010ffebebebff 2x1 '\x10\xEB\x80\x80' --range full
+from_raw v216 000000ffffffffff 2x1 '\x00\x80\x00\x10\x00\x80\x00\xEB'
+from_raw y216 000000ffffffffff 2x1 '\xFF\x80\xFF\x10\xFF\x80\xFF\xEB' --matrix 709
+from_raw yuvp216 000000ffffffffff 2x1 '\x00\x10\x00\xEB\x00\x80\x00\x80'
+from_raw rgb 030201ff060504ff 2x1 '\x01\x02\x03\x04\x05\x06'
+from_raw bgrtq10 0000ffff 1x1 '\x00\x00\xC0\xFF'
+from_raw bgrtq10 ff0000ff 1x1 '\xFF\x0F\x00\x00'
+from_raw bgr10 0000ffff 1x1 '\xFF\x03\x00\x00'
+from_raw bgr10 ff0000ff 1x1 '\x00\x00\xF0\x3F'
+from_raw bgr16 010203ff 1x1 '\xFF\x01\xFF\x02\xFF\x03'
+from_raw bgra16 010203ff 1x1 '\xFF\x01\xFF\x02\xFF\x03\x00\x00'
+from_raw hsv8 0000ffff00ff00ff 2x1 '\x00\xFF\xFF\x55\xFF\xFF'
+reads_primaries rgb ff000000ff000000ffffffff
+reads_primaries bgrtq10 000000ff00c03f00f00f0000f0cf3fff
+reads_primaries bgr16 0000000000ff"000000ff0000"00ff00000000"00ff00ff00ff"
+reads_primaries hsv8 00ffff55ffffaaffff0000ff
+reads_primaries hsvp 000000000000f0420000704300000000"0000803f0000803f0000803f"00000000\
+"0000803f0000803f0000803f0000803f"
+
+repacks() {  # FROM TO SIZE BYTES HEX [OPTIONS...]: a raw frame in another format
+    local from=$1 to=$2 size=$3 content=$4 expected=$5
+    shift 5
+    bytes "$content" from.raw
+    run convert from.raw to.raw --from "$from" --to "$to" --size "$size" "$@"
+    check "$from $content to $to $*: $expected, not $(hex to.raw)" \
+        test "$(hex to.raw)" = "$expected"
+}
+repacks yuyv uyvy 2x1 '\x01\x02\x03\x04' 02010403
+repacks uyvy yuyv 2x2 '\x01\x02\x03\x04\x05\x06\x07\x08' 0201040306050807
+repacks yuyv yuvp422 4x1 '\x01\x02\x03\x04\x05\x06\x07\x08' 0103050702060408
+repacks yuvp422 uyvy 4x1 '\x01\x03\x05\x07\x02\x06\x04\x08' 0201040306050807
+repacks yuvp422 yuvp216 2x1 '\x01\x02\x03\x04' 0001000200030004
+repacks yuvp216 v216 2x1 '\x11\x01\x22\x02\x33\x03\x44\x04' 3303110144042202
+repacks v216 yuvp216 2x1 '\x33\x03\x11\x01\x44\x04\x22\x02' 1101220233034404
+repacks v216 luma32 2x1 '\x33\x03\x11\x01\x44\x04\x22\x02' 1101000022020000
+repacks bgr16 bgra16 1x1 '\x11\x01\x22\x02\x33\x03' 110122023303ff00
+repacks bgra16 bgr16 1x1 '\x11\x01\x22\x02\x33\x03\x44\x04' 110122023303
+repacks bgr16 bgrtq10 1x1 '\xFF\xFF\x00\x00\x40\x00' fc0f4000
+repacks bgr10 bgra16 1x1 '\xFF\x03\x00\x00' "00000000c0ffc03f"
+repacks argb rgb 2x1 '\x03\x02\x01\xFF\x06\x05\x04\xFF' 010203040506
+repacks yuyv yuyv 2x1 '\x10\x80\x10\x80' 10801080 --matrix-from 601 --matrix-to 709
+repacks yuyv yuyv 2x1 '\x51\x5A\x51\xF0' 3e663ef0 --matrix-from 601 --matrix-to 709
+repacks yuyv uyvy 2x1 '\x51\x5A\x51\xF0' 663ef03e --matrix-from 601 --matrix-to 709
+repacks yuvp422 yuvp422 2x1 '\x51\x51\x5A\xF0' 3e3e66f0 --matrix-from 601 --matrix-to 709
+repacks vuyt vuyt 1x1 '\xF0\x5A\x51\x07' f0663e07 --matrix-from 601 --matrix-to 709
+
 # A photograph, small enough that byte loops in bash are quick, with equal neighbours in each pair
 # of pixels, so that the shared chroma costs nothing.
 run zoom "$samples/astronaut.png" small.png --size 64x64 --method linear
@@ -163,6 +211,43 @@ for matrix in 601 709; do
     done
     cp back.argb "back$matrix.argb"
 done
+for format in yuvp422 v216 yuvp216; do
+    for matrix in 601 709; do
+        run convert pairs.png "pairs.$format" --to "$format" --matrix "$matrix"
+        run convert "pairs.$format" back.png --from "$format" --size 128x64 --matrix "$matrix"
+        run convert back.png back.argb --to argb
+        check "$format $matrix brings back what yuyv does" same back.argb "back$matrix.argb"
+    done
+done
+for format in rgb bgrtq10 bgr10 bgr16 bgra16; do
+    run convert pairs.png "pairs.$format" --to "$format"
+    run convert "pairs.$format" back.png --from "$format" --size 128x64
+    run convert back.png back.argb --to argb
+    check "$format loses nothing" same back.argb pairs.argb
+done
+for format in hsv8 hsvf hsvp; do
+    run convert pairs.png "pairs.$format" --to "$format"
+    run convert "pairs.$format" back.png --from "$format" --size 128x64
+    run convert back.png back.argb --to argb
+    difference=$(largest_difference pairs.argb back.argb)
+    check "$format comes back within 8 of 255, not $difference" test "$difference" -le 8
+done
+run zoom small.png sixes.png --size 54x6 --method nn
+run convert sixes.png sixes.v210 --to v210 --matrix 709
+check "rows of v210 take a multiple of 128 bytes" test "$(size_of sixes.v210)" = $((256 * 6))
+run convert sixes.v210 back.png --from v210 --size 54x6 --matrix 709
+run convert sixes.png sixes.yuvp422 --to yuvp422 --matrix 709
+run convert sixes.yuvp422 other.png --from yuvp422 --size 54x6 --matrix 709
+check "v210 brings back what yuvp422 does" same back.png other.png
+run convert sixes.v210 sixes.again --from v210 --to yuvp422 --size 54x6
+check "the 8-bit samples in v210 are those of yuvp422" same sixes.yuvp422 sixes.again
+run convert pairs.yuyv changed.yuyv --from yuyv --to yuyv --size 128x64 --matrix-from 709 \
+    --matrix-to 601
+run convert changed.yuyv back.png --from yuyv --size 128x64 --matrix 601
+run convert back.png back.argb --to argb
+difference=$(largest_difference back.argb back709.argb)
+check "a changed matrix reads as the old one, within 5, not $difference" test "$difference" -le 5
+
 run convert pairs.uyvy wrong.png --from uyvy --size 128x64 --matrix 601
 run convert wrong.png wrong.argb --to argb
 check "the matrix makes a difference" test "$(largest_difference pairs.argb wrong.argb)" -gt 3
@@ -267,7 +352,7 @@ fails 2 "unknown zoom method 'cubism'; known are: nn, linear" \
 fails 1 'missing.png: No such file' convert missing.png out/x.raw --to argb
 fails 1 'missing.raw: No such file' convert missing.raw out/x.png --from argb --size 8x8
 fails 1 'text.png: not a PNG file' convert text.png out/x.raw --to yuyv
-fails 2 "unknown format 'yuv9'; known are: argb, yuyv" convert small.png out/x.raw --to yuv9
+fails 2 "unknown format 'yuv9'; known are: argb, rgb, yuyv" convert small.png out/x.raw --to yuv9
 fails 2 "unknown format 'yuv9'" convert ramp.raw out/x.png --from yuv9 --size 8x8
 fails 2 'no conversion to yuyv is 2020; there are: studio 601, studio 709' \
     convert small.png out/x.raw --to yuyv --matrix 2020
@@ -277,9 +362,10 @@ fails 2 'no conversion from uyvy is full 709' \
 fails 2 'no conversion from vuyt is studio' \
     convert ramp.raw out/x.png --from vuyt --size 8x8 --range studio
 fails 2 'argb has no range and no matrix' convert small.png out/x.raw --to argb --matrix 601
-fails 2 'vuyt cannot be converted to' convert small.png out/x.raw --to vuyt
-fails 2 'lum cannot be converted from' convert ramp.raw out/x.png --from lum --size 8x8
-fails 2 'lum32 cannot be converted from' convert ramp.raw out/x.png --from lum32 --size 8x8
+fails 2 'a PNG file cannot be converted to vuyt' convert small.png out/x.raw --to vuyt
+fails 2 'a PNG file cannot be converted to luma32' convert small.png out/x.raw --to luma32
+fails 2 'lum cannot be converted to a PNG file' convert ramp.raw out/x.png --from lum --size 8x8
+fails 2 'lum32 cannot be converted to a PNG file' convert ramp.raw out/x.png --from lum32 --size 8x8
 fails 1 'the width must be even, not 5' convert "$pictures/rgb_5x5.png" out/x.raw --to yuyv
 fails 1 'the width must be even, not 5' convert "$pictures/rgb_5x5.png" out/x.raw --to uyvy
 fails 1 'the width must be even, not 3' convert ramp.raw out/x.png --from yuyv --size 3x2
@@ -291,10 +377,52 @@ fails 1 'a frame of 8x8 in yuyv takes 128 bytes, the file has 256' \
 fails 1 'takes 64 bytes, the file has more' convert /dev/zero out/x.png --from gray8 --size 8x8
 fails 1 'takes 64 bytes, the file has 0' convert /dev/null out/x.png --from gray8 --size 8x8
 fails 1 'folder.png: Is a directory' convert folder.png out/x.png --from gray8 --size 8x8
-fails 2 'one of --to FORMAT and --from FORMAT' convert small.png out/x.raw
-fails 2 'one of --to FORMAT and --from FORMAT' convert small.png out/x.raw --to argb --from argb
+fails 2 'convert takes --to FORMAT, --from FORMAT, or both' convert small.png out/x.raw
 fails 2 '--from needs --size' convert ramp.raw out/x.png --from gray8
 fails 2 '--size belongs to --from' convert small.png out/x.raw --to argb --size 8x8
+
+# From one raw format to another.
+fails 2 '--from needs --size' convert pairs.yuyv out/x.raw --from yuyv --to uyvy
+fails 2 'the same format' convert pairs.yuyv out/x.raw --from yuyv --to yuyv --size 128x64
+fails 2 'yuyv cannot be repacked to argb; it can to: yuvp422, uyvy, yuvp216, v210, v216, luma32' \
+    convert pairs.yuyv out/x.raw --from yuyv --to argb --size 128x64
+fails 2 'hsv8 cannot be repacked to rgb' convert ramp.raw out/x.raw --from hsv8 --to rgb --size 8x8
+fails 2 '--matrix and --range are for PNG files' \
+    convert pairs.yuyv out/x.raw --from yuyv --to uyvy --size 128x64 --matrix 601
+fails 2 '--matrix and --range are for PNG files' \
+    convert pairs.yuyv out/x.raw --from yuyv --to uyvy --size 128x64 --range full
+fails 2 '--matrix-from and --matrix-to belong together' \
+    convert pairs.yuyv out/x.raw --from yuyv --to uyvy --size 128x64 --matrix-from 601
+fails 2 "no matrix change from '601' to '2020'; there are: 601 to 709, 709 to 601, 2020 to 709, 709" \
+    convert pairs.yuyv out/x.raw --from yuyv --to uyvy --size 128x64 --matrix-from 601 \
+    --matrix-to 2020
+fails 2 'the matrix changes in these formats only: yuyv, uyvy, vuyt, yuvp422' \
+    convert ramp.raw out/x.raw --from v216 --to v210 --size 6x1 --matrix-from 601 --matrix-to 709
+fails 2 '--matrix-from and --matrix-to need both --from and --to' \
+    convert small.png out/x.raw --to yuyv --matrix-from 601 --matrix-to 709
+for format in yuvp422 yuv422p v216 yuvp216 hsvf; do
+    fails 1 'the width must be even, not 5' \
+        convert "$pictures/rgb_5x5.png" out/x.raw --to "$format"
+    fails 1 'the width must be even, not 3' \
+        convert ramp.raw out/x.png --from "$format" --size 3x2
+done
+fails 1 'v210 holds groups of 6 pixels, and a part of one is not converted: the width must be a' \
+    convert small.png out/x.raw --to v210
+fails 1 'a multiple of 6, not 1280' convert ramp.raw out/x.png --from v210 --size 1280x720
+fails 1 'a multiple of 6, not 1280' \
+    convert ramp.raw out/x.raw --from v210 --to uyvy --size 1280x720
+fails 1 'a multiple of 6, not 8' convert ramp.raw out/x.raw --from uyvy --to v210 --size 8x16
+fails 1 'a multiple of 6, not 8' convert ramp.raw out/x.raw --from v216 --to uyvy --size 8x8
+fails 1 'the width must be even, not 3' \
+    convert ramp.raw out/x.raw --from yuyv --to uyvy --size 3x2
+fails 1 'a frame of 48x3 in v210 takes 384 bytes, the file has 256' \
+    convert ramp.raw out/x.raw --from v210 --to uyvy --size 48x3
+fails 1 'a frame of 54x2 in v210 takes 512 bytes, the file has 256' \
+    convert ramp.raw out/x.png --from v210 --size 54x2
+fails 1 'a frame of 8x8 in bgr16 takes 384 bytes, the file has 256' \
+    convert ramp.raw out/x.png --from bgr16 --size 8x8
+fails 1 'a frame of 4x4 in hsvp takes 192 bytes, the file has 256' \
+    convert ramp.raw out/x.png --from hsvp --size 4x4
 
 fails 2 'subcommand'
 fails 2 "unknown command 'paint'; known are: info, zoom, convert, demo" paint
@@ -350,7 +478,7 @@ captions=$(grep -o '<figcaption>' "$page" | wc -l)
 files=$(find sheets/all -name '*.png' | wc -l)
 check "a caption for each picture: $images, $captions" test "$images" = "$captions"
 check "a file for each picture: $images, $files" test "$images" = "$files"
-check "enough pictures: $images" test "$images" -ge 60
+check "enough pictures: $images" test "$images" -ge 120
 check "a time in each caption" test "$(grep -c '<div class="times">' "$page")" = "$images"
 check "every picture lies in the page" \
     test "$(grep -o ' src="data:image/png;base64,' "$page" | wc -l)" = "$images"
@@ -376,6 +504,19 @@ check "the demo's round trip is the convert command's" \
     same raccoon.png sheets/all/raccoon-uyvy-601.png
 check "YUYV and UYVY bring the same picture back" \
     same sheets/all/raccoon-uyvy-709.png sheets/all/raccoon-yuyv-709.png
+check "the planar round trip brings the same picture back" \
+    same sheets/all/raccoon-yuvp422-709.png sheets/all/raccoon-yuyv-709.png
+for id in v210 v216; do
+    check "the $id round trip brings the same picture back" \
+        same "sheets/all/raccoon-$id-709.png" sheets/all/raccoon-yuyv-709.png
+done
+for id in bgrtq10 bgr10; do
+    run convert "sheets/all/raccoon-$id.png" deep.raw --to argb
+    check "the $id round trip loses nothing" same deep.raw photograph.raw
+done
+check "the planes of YUYV came back" grep -q 'Every byte of the frame came back' "$page"
+check "no planes were lost" test "$(grep -c 'did NOT come back' "$page")" = 0
+check "luma has no plain form" grep -q 'No plain form' "$page"
 run convert sheets/all/raccoon-flip.png flipped.raw --to argb
 check "the flip begins with the last row" \
     same <(head -c 384 flipped.raw) <(tail -c 384 photograph.raw)

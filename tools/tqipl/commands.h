@@ -20,11 +20,13 @@ void RunZoom(const ZoomOptions& options);
 struct ConvertOptions {
     std::string input;
     std::string output;
-    std::string to;    // one of `to` and `from` is given
-    std::string from;  // with a size
-    std::string size;
-    std::string matrix;  // may be empty
-    std::string range;   // may be empty
+    std::string to;      // without it a PNG file is written
+    std::string from;    // without it a PNG file is read
+    std::string size;    // with `from`
+    std::string matrix;  // may be empty, as all below
+    std::string range;
+    std::string matrixFrom;  // with `from` and `to`
+    std::string matrixTo;
 };
 void RunConvert(const ConvertOptions& options);
 

@@ -10,7 +10,9 @@
 #include "commands.h"
 #include "host_error.h"
 #include "machine.h"
+#include "matrix_change.h"
 #include "raw_formats.h"
+#include "raw_repackings.h"
 #include "text.h"
 #include "zoom_methods.h"
 
@@ -18,13 +20,30 @@ namespace {
 
 using namespace tqipl;
 
+std::string ByWay(const RawFormat& format) {
+    const std::string to = format.toRawBy == nullptr ? "" : format.toRawBy;
+    const std::string from = format.fromRawBy == nullptr ? "" : format.fromRawBy;
+    const bool reads = !from.empty() || !format.fromRaw.empty();
+    const bool writes = !to.empty() || !format.toRaw.empty();
+    if (!reads && !writes) return "; of other raw files only";
+    if (!reads) return "; PNG to it only";
+    if (!writes) return "; it to PNG only";
+    if (!to.empty() && to == from) return "; PNG by way of " + to;
+    return (to.empty() ? "" : "; from PNG by way of " + to) +
+           (from.empty() ? "" : "; to PNG by way of " + from);
+}
+
 std::string FormatList() {
-    std::string list = "Formats:";
+    std::string list = "Formats, all little-endian, rows dense:";
     for (const RawFormat& format : RawFormats()) {
-        list += "\n  " + std::string(format.name) + ": " + format.layout;
-        if (format.toRaw.empty()) list += " (--from only)";
-        if (format.fromRaw.empty()) list += " (--to only)";
+        list += "\n  " + std::string(format.name);
+        if (*format.alias != 0) list += std::string(" (or ") + format.alias + ")";
+        list += std::string(": ") + format.layout + ByWay(format);
     }
+    list += "\nFrom one raw format to another, by the routine named, or by several in turn:";
+    for (const Repacking& step : Repackings())
+        list += std::string("\n  ") + step.from + " to " + step.to + ": " + step.routine;
+    list += "\nThe matrix changes in: " + MatrixFormatNames() + ".";
     return list;
 }
 
@@ -61,16 +80,20 @@ struct CommandLine {
     }
 
     void AddConvert() {
-        CLI::App* command =
-            app.add_subcommand("convert", "Convert a PNG file to a raw frame file, or back");
+        CLI::App* command = app.add_subcommand(
+            "convert", "Convert a PNG file to a raw frame file, back, or raw to raw");
         command->add_option("IN", convert.input, "PNG file, or raw file with --from")->required();
-        command->add_option("OUT", convert.output, "Raw file, or PNG file with --from")->required();
+        command->add_option("OUT", convert.output, "PNG file, or raw file with --to")->required();
         command->add_option("--to", convert.to, "Format of the raw file to write");
         command->add_option("--from", convert.from, "Format of the raw file to read");
         command->add_option("--size", convert.size, "WIDTHxHEIGHT of the raw file to read");
         command->add_option("--matrix", convert.matrix, "601 (the default) or 709");
         command->add_option("--range", convert.range,
-                            "studio (the default of yuyv and uyvy) or full (--from only)");
+                            "studio (the default) or full (8-bit 4:2:2 and vuyt to PNG only)");
+        command->add_option("--matrix-from", convert.matrixFrom,
+                            "Matrix of the raw file to read: 601, 709 or 2020");
+        command->add_option("--matrix-to", convert.matrixTo,
+                            "Matrix of the raw file to write: 709, or from 709 any other");
         command->footer(FormatList());
         command->callback([this] { RunConvert(convert); });
     }

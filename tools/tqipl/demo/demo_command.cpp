@@ -62,6 +62,8 @@ Programme MakeProgramme(const Sample& sample) {
 
 std::string Summary(const std::string& fileName, const Timing& timing) {
     if (timing.byHost) return fileName + ": " + Milliseconds(timing.plainMs) + " by the host";
+    if (timing.onlyMultiThread)
+        return fileName + ": MultiThread " + Milliseconds(timing.plainMs) + ", no plain form";
     const std::string plain = fileName + ": plain " + Milliseconds(timing.plainMs);
     if (!timing.multiThreadMs) return plain;
     return plain + ", MultiThread " + Milliseconds(*timing.multiThreadMs) +

@@ -25,6 +25,7 @@ struct Timing {
     std::optional<double> multiThreadMs;  // none: there is no MultiThread form
     bool sameBytes = true;                // both forms gave the same result
     bool byHost = false;                  // plainMs is the host's work, not the library's
+    bool onlyMultiThread = false;         // plainMs is that of a form without a plain one
 };
 
 // What an exhibit came out as.

@@ -12,6 +12,20 @@ constexpr Section kSections[] = {
      "ARGB to a studio-range video frame and back. Two neighbours share their chroma, so hard "
      "colour edges lose a little; the difference pictures show where.",
      Packed422Exhibits},
+    {"Planar 4:2:2, V210 and V216",
+     "The same samples in other places: in planes, three of ten bits in each 32-bit word, or "
+     "with 16 bits each. The differences are those of the 4:2:2 frames above.",
+     PlanarExhibits},
+    {"Matrices",
+     "A frame changed from one colour matrix to another without a picture in between, and what "
+     "that does to colours when the reader does not know of it.",
+     MatrixExhibits},
+    {"Deep BGR", "Ten and sixteen bits a channel hold eight without loss.", DeepExhibits},
+    {"Hue, saturation, value",
+     "There and back in floats and in bytes. A byte has 255 steps for the circle of hues, so the "
+     "byte forms come back close, not equal.",
+     HsvExhibits},
+    {"Planes", "Images taken apart into their samples, and built from them.", PlanesExhibits},
     {"Luminance", "The weighted sum of blue, green and red.", LuminanceExhibits},
     {"Zoom",
      "The middle of each result, pixel for pixel. Click a picture to see its pixels three times "

@@ -21,6 +21,11 @@ std::span<const Section> Sections();
 
 std::vector<Exhibit> PhotographExhibits(const Sample& sample);
 std::vector<Exhibit> Packed422Exhibits(const Sample& sample);
+std::vector<Exhibit> PlanarExhibits(const Sample& sample);
+std::vector<Exhibit> MatrixExhibits(const Sample& sample);
+std::vector<Exhibit> DeepExhibits(const Sample& sample);
+std::vector<Exhibit> HsvExhibits(const Sample& sample);
+std::vector<Exhibit> PlanesExhibits(const Sample& sample);
 std::vector<Exhibit> LuminanceExhibits(const Sample& sample);
 std::vector<Exhibit> ZoomExhibits(const Sample& sample);
 std::vector<Exhibit> RectangleExhibits(const Sample& sample);

@@ -77,6 +77,8 @@ std::string TimeRow(const char* name, const char* bar, double ms, double longest
 std::string TimeRows(const Timing& timing) {
     if (timing.byHost)
         return Join({"<span>Host</span><span></span><b>", Milliseconds(timing.plainMs), "</b>\n"});
+    if (timing.onlyMultiThread)
+        return TimeRow("MultiThread", "bar multi", timing.plainMs, timing.plainMs);
     const double multiThreadMs = timing.multiThreadMs.value_or(0);
     const double longestMs = std::max(timing.plainMs, multiThreadMs);
     std::string rows = TimeRow("Plain", "bar", timing.plainMs, longestMs);
@@ -86,6 +88,7 @@ std::string TimeRows(const Timing& timing) {
 
 std::string Verdict(const Timing& timing) {
     if (timing.byHost) return "<span>No routine of the library</span>";
+    if (timing.onlyMultiThread) return "<span>No plain form</span>";
     if (!timing.multiThreadMs) return "<span>No MultiThread form</span>";
     if (!timing.sameBytes) return "<span class=\"different\">DIFFERENT bytes</span>";
     return "<span class=\"same\">Same bytes</span>";
