@@ -138,7 +138,6 @@ const HsvForm kHsv2Uyvy = {"IPL_HSV2UYVY_8u",
 
 const HsvForm* const kForms[] = {&kBgra2Hsv, &kHsv2Bgra, &kYuyv2Hsv,
                                  &kHsv2Yuyv, &kUyvy2Hsv, &kHsv2Uyvy};
-const HsvForm* const kPairForms[] = {&kYuyv2Hsv, &kHsv2Yuyv, &kUyvy2Hsv, &kHsv2Uyvy};
 
 Bytes OfRgb(int r, int g, int b) {
     uint8_t bgra[4] = {static_cast<uint8_t>(b), static_cast<uint8_t>(g), static_cast<uint8_t>(r),

@@ -1344,8 +1344,8 @@ TEST(HsvFloat, InversesEqualTheReferenceOverADenseGrid) {
 }
 
 TEST(HsvFloat, InversesEqualTheReferenceForByteValues) {
-    Points ofOne, of255;
-    for (int h = 0; h <= 360; h += 3)
+    for (int h = 0; h <= 360; h += 3) {
+        Points ofOne, of255;
         for (int s = 0; s < 256; s += 5)
             for (int v = 0; v < 256; ++v) {
                 const float hue = static_cast<float>(h), ratio = static_cast<float>(s) / 255;
@@ -1353,8 +1353,9 @@ TEST(HsvFloat, InversesEqualTheReferenceForByteValues) {
                 ofOne.Add(hue, ratio, static_cast<float>(v / 255.0));
                 of255.Add(hue, ratio, value);
             }
-    ASSERT_NO_FATAL_FAILURE(ExpectBgraOf(ofOne));
-    ASSERT_NO_FATAL_FAILURE(ExpectYuyvOf(of255));
+        ASSERT_NO_FATAL_FAILURE(ExpectBgraOf(ofOne));
+        ASSERT_NO_FATAL_FAILURE(ExpectYuyvOf(of255));
+    }
 }
 
 TEST(HsvFloat, InversesEqualTheReferenceForSpecialFloats) {

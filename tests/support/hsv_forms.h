@@ -329,21 +329,22 @@ inline void ExpectEqualsReference(const HsvForm& form) {
 // top-down and bottom-up.
 inline void ExpectMultiThreadEqualsPlain(const HsvForm& form) {
     Settings settings;
-    for (int width : {1, 5, 34})
-        for (auto side : {GuardedBuffer::kEnd, GuardedBuffer::kStart}) {
-            HsvStage stage(form, side, width, 33);
-            for (int height : {-3, 0, 1, 2, 7, 8, 9, 16, 17, 33})
-                for (int placement : {0, 1, 2, 3}) {
-                    stage.Place(width, height, placement, placement < 2 ? 0 : -1, placement % 2,
-                                width * 100 + height + placement);
-                    stage.ExpectResultOf(form.plain, width, height);
-                    for (unsigned processors = 1; processors <= 16; ++processors) {
-                        settings.UseProcessors(processors);
-                        ASSERT_TRUE(stage.Matches(form.multiThread, width, height))
-                            << "placement " << placement << ", " << processors << " processors";
-                    }
+    for (auto [width, side] : {std::pair{1, GuardedBuffer::kEnd},
+                               {5, GuardedBuffer::kStart},
+                               {34, GuardedBuffer::kEnd}}) {
+        HsvStage stage(form, side, width, 33);
+        for (int height : {-3, 0, 1, 2, 7, 8, 9, 16, 17, 33})
+            for (int placement : {0, 1, 2, 3}) {
+                stage.Place(width, height, placement, placement < 2 ? 0 : -1, placement % 2,
+                            width * 100 + height + placement);
+                stage.ExpectResultOf(form.plain, width, height);
+                for (unsigned processors = 1; processors <= 16; ++processors) {
+                    settings.UseProcessors(processors);
+                    ASSERT_TRUE(stage.Matches(form.multiThread, width, height))
+                        << "placement " << placement << ", " << processors << " processors";
                 }
-        }
+            }
+    }
 }
 
 // A task with its fields set does the plain form's work, and Run returns 1.
