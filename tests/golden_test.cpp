@@ -427,7 +427,7 @@ TEST(Golden, Planes) {
     for (const auto [format, count] : layouts) {
         const std::string suffix =
             " format " + std::to_string(static_cast<int>(format)) + " " + std::to_string(count);
-        const auto rows = [count](int width) {
+        const auto rows = [count = count](int width) {
             return std::vector<int>(static_cast<size_t>(count), width);
         };
         const auto split = [=, format = format](auto form) {
