@@ -28,12 +28,15 @@ void ChangeRows(Matrix matrix, MatrixKernels::Row* row, int count, int height, i
 void ChangeInPlace(Matrix matrix, TQ_COLOR_FORMAT format, int width, int height, int stride,
                    unsigned char* image) {
     const MatrixKernels& kernels = tq::SelectKernels(kKernels);
+    if (format == TQ_COLOR_AYUV && width > 0)
+        tq::ForEachRow(height, 0, image, stride, image,
+                       [&](const unsigned char*, unsigned char* pixels) {
+                           kernels.ayuv(matrix, pixels, width);
+                       });
     MatrixKernels::Row* row = nullptr;
-    if (format == TQ_COLOR_AYUV) row = kernels.ayuvToAyuv;
     if (format == TQ_COLOR_YUYV) row = kernels.yuyvToYuyv;
     if (format == TQ_COLOR_UYVY) row = kernels.uyvyToUyvy;
-    ChangeRows(matrix, row, format == TQ_COLOR_AYUV ? width : width / 2, height, stride, image,
-               stride, image);
+    ChangeRows(matrix, row, width / 2, height, stride, image, stride, image);
 }
 
 // The rows of the two-image forms; null for formats that they do not handle. Those from YUYV to

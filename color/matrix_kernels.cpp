@@ -88,6 +88,24 @@ void FromPixelsToPixels(Matrix matrix, const uint8_t* src, uint8_t* dst, ptrdiff
     });
 }
 
+// Alpha is not even read, so that a host may change it meanwhile.
+void PixelsInPlace(Matrix matrix, uint8_t* pixels, ptrdiff_t count) {
+    const Change change(matrix);
+    for (; count > 0; count -= kLanes32, pixels += 4 * kLanes32) {
+        const ptrdiff_t step = count < kLanes32 ? count : kLanes32;
+        uint32_t words[kLanes32] = {};
+        for (ptrdiff_t i = 0; i < step; ++i)
+            words[i] = Load<uint16_t>(pixels + 4 * i) | uint32_t{pixels[4 * i + 2]} << 16;
+        const U32v w = Load<U32v>(words);
+        Store(words, NewPixels(change, Less(Vuyt::Y(w), 16), Less(Vuyt::U(w), 128),
+                               Less(Vuyt::V(w), 128)));
+        for (ptrdiff_t i = 0; i < step; ++i) {
+            Store(pixels + 4 * i, static_cast<uint16_t>(words[i]));
+            pixels[4 * i + 2] = static_cast<uint8_t>(words[i] >> 16);
+        }
+    }
+}
+
 template <class To>
 void FromPixelsToPairs(Matrix matrix, const uint8_t* src, uint8_t* dst, ptrdiff_t pairs) {
     const Change change(matrix);
@@ -148,6 +166,7 @@ const MatrixKernels matrixKernels = {
     FromPairsToPairs<Uyvy, Yuyv>,
     FromPairsToPairs<Yuyv, Yuyv, 128>,
     FromPairsToPairs<Yuyv, Uyvy, 128>,
+    PixelsInPlace,
     Planes,
 };
 }  // namespace tq::TQ_ISA

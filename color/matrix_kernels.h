@@ -25,7 +25,8 @@ struct MatrixKernels {
     // The first luma of each pair less 128 instead of less 16.
     Row* darkYuyvToYuyv;
     Row* darkYuyvToUyvy;
-    // In place.
+    // In place. Alpha is neither read nor stored.
+    void (*ayuv)(Matrix matrix, uint8_t* pixels, ptrdiff_t count);
     void (*planes)(Matrix matrix, uint8_t* y, uint8_t* u, uint8_t* v, ptrdiff_t pairs);
 };
 

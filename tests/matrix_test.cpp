@@ -5,8 +5,10 @@
 #include <tqipl/planes.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <memory>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -689,6 +691,34 @@ TEST(Matrix, TasksDoThePlainFormsWork) {
         EXPECT_TRUE(stage.Check([&](uint8_t* const* image) {
             EXPECT_EQ(change->planarTask(21, 3, 23, image[0], -12, image[1], 14, image[2]), 1);
         })) << change->name;
+    }
+}
+
+// A host's other thread counts alpha up while the pixels change: no count is lost.
+TEST(Matrix, AyuvInPlaceDoesNotStoreAlphaNotEvenAsItWas) {
+    tqtest::Settings settings;
+    constexpr int kWidth = 37;
+    for (tq::IsaLevel level : tqtest::RunnableIsaLevels()) {
+        settings.Use(level);
+        std::vector<uint8_t> image(4 * kWidth, 100);
+        std::atomic<bool> stop{false};
+        int lost = 0;
+        std::thread host([&] {
+            uint8_t value = 100;
+            while (!stop) {
+                for (int x = 0; x < kWidth; ++x) {
+                    std::atomic_ref<uint8_t> alpha(image[4 * x + 3]);
+                    lost += alpha.load(std::memory_order_relaxed) != value;
+                    alpha.store(static_cast<uint8_t>(value + 1), std::memory_order_relaxed);
+                }
+                ++value;
+            }
+        });
+        for (int round = 0; round < 20000; ++round)
+            IPL_YUV601x709(TQ_COLOR_AYUV, kWidth, 1, 4 * kWidth, image.data());
+        stop = true;
+        host.join();
+        EXPECT_EQ(lost, 0) << tq::IsaLevelName(level);
     }
 }
 
