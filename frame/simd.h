@@ -435,4 +435,306 @@ inline U16x8 WeighPairs(U8x16 pairs, U8x16 weights) {
 #endif
 }
 
+// The top bit of each byte of v, byte i's in bit i.
+inline uint32_t TopBits(U8v v) {
+#if defined(__AVX2__)
+    return static_cast<uint32_t>(_mm256_movemask_epi8((__m256i)v));
+#elif defined(__SSE2__)
+    return static_cast<uint32_t>(_mm_movemask_epi8((__m128i)v));
+#else
+    uint32_t bits = 0;
+    for (int i = 0; i < kVectorBytes; ++i) bits |= static_cast<uint32_t>(v[i] >> 7) << i;
+    return bits;
+#endif
+}
+
+// 16-bit lanes as signed 32-bit ones, in order.
+inline void WidenSigned(U16v v, I32v& low, I32v& high) {
+#if defined(__AVX2__)
+    low = (I32v)_mm256_cvtepi16_epi32(_mm256_castsi256_si128((__m256i)v));
+    high = (I32v)_mm256_cvtepi16_epi32(_mm256_extracti128_si256((__m256i)v, 1));
+#else
+    low = (I32v)__builtin_shufflevector(v, v, 0, 0, 1, 1, 2, 2, 3, 3) >> 16;
+    high = (I32v)__builtin_shufflevector(v, v, 4, 4, 5, 5, 6, 6, 7, 7) >> 16;
+#endif
+}
+
+// Bytes, taken as 0 to 255.
+inline U8v AbsoluteDifference(U8v a, U8v b) {
+#if defined(__AVX2__)
+    return (U8v)_mm256_subs_epu8((__m256i)a, (__m256i)b) |
+           (U8v)_mm256_subs_epu8((__m256i)b, (__m256i)a);
+#elif defined(__SSE2__)
+    return (U8v)_mm_subs_epu8((__m128i)a, (__m128i)b) | (U8v)_mm_subs_epu8((__m128i)b, (__m128i)a);
+#else
+    return a > b ? a - b : b - a;
+#endif
+}
+inline U8v Smaller(U8v a, U8v b) {
+#if defined(__AVX2__)
+    return (U8v)_mm256_min_epu8((__m256i)a, (__m256i)b);
+#elif defined(__SSE2__)
+    return (U8v)_mm_min_epu8((__m128i)a, (__m128i)b);
+#else
+    return a < b ? a : b;
+#endif
+}
+inline U8v Larger(U8v a, U8v b) { return ~Smaller(~a, ~b); }
+
+// Sixteen bytes in memory, as often as a vector has room.
+inline U8v LoadSixteen(const void* from) {
+#if defined(__AVX2__)
+    return (U8v)_mm256_broadcastsi128_si256(_mm_loadu_si128(static_cast<const __m128i*>(from)));
+#else
+    return Load<U8v>(from);
+#endif
+}
+
+// In each 16 bytes: the bytes of v at the places that the low four bits of order name, and 0 where
+// the top bit of order is set. Fast where kHasByteShuffle.
+inline U8v LookUp(U8v v, U8v order) {
+#if defined(__AVX2__)
+    return (U8v)_mm256_shuffle_epi8((__m256i)v, (__m256i)order);
+#elif defined(__SSSE3__)
+    return (U8v)_mm_shuffle_epi8((__m128i)v, (__m128i)order);
+#else
+    U8v result = v;
+    for (int i = 0; i < kVectorBytes; ++i) result[i] = order[i] < 0x80 ? v[order[i] & 15] : 0;
+    return result;
+#endif
+}
+
+// In each 16 bytes: the lanes of the lower or of the upper eight bytes of a and b alternating.
+inline U8v AlternateLow(U8v a, U8v b) {
+#if defined(__AVX2__)
+    return (U8v)_mm256_unpacklo_epi8((__m256i)a, (__m256i)b);
+#else
+    return __builtin_shufflevector(a, b, 0, 16, 1, 17, 2, 18, 3, 19, 4, 20, 5, 21, 6, 22, 7, 23);
+#endif
+}
+inline U8v AlternateHigh(U8v a, U8v b) {
+#if defined(__AVX2__)
+    return (U8v)_mm256_unpackhi_epi8((__m256i)a, (__m256i)b);
+#else
+    return __builtin_shufflevector(a, b, 8, 24, 9, 25, 10, 26, 11, 27, 12, 28, 13, 29, 14, 30, 15,
+                                   31);
+#endif
+}
+inline U16v AlternateLow(U16v a, U16v b) {
+#if defined(__AVX2__)
+    return (U16v)_mm256_unpacklo_epi16((__m256i)a, (__m256i)b);
+#else
+    return __builtin_shufflevector(a, b, 0, 8, 1, 9, 2, 10, 3, 11);
+#endif
+}
+inline U16v AlternateHigh(U16v a, U16v b) {
+#if defined(__AVX2__)
+    return (U16v)_mm256_unpackhi_epi16((__m256i)a, (__m256i)b);
+#else
+    return __builtin_shufflevector(a, b, 4, 12, 5, 13, 6, 14, 7, 15);
+#endif
+}
+
+// The inverse of both for 16-bit lanes of 0 to 255: their low bytes, in each 16 bytes those of low
+// before those of high.
+inline U8v JoinEights(U16v low, U16v high) {
+#if defined(__AVX2__)
+    return (U8v)_mm256_packus_epi16((__m256i)low, (__m256i)high);
+#elif defined(__SSE2__)
+    return (U8v)_mm_packus_epi16((__m128i)low, (__m128i)high);
+#else
+    return __builtin_shufflevector((U8v)low, (U8v)high, 0, 2, 4, 6, 8, 10, 12, 14, 16, 18, 20, 22,
+                                   24, 26, 28, 30);
+#endif
+}
+
+// Sums of products of neighbouring lanes: of bytes with signed bytes, each sum within 16 signed
+// bits; and of signed 16-bit lanes.
+inline U16v SumProducts(U8v bytes, U8v signedBytes) {
+#if defined(__AVX2__)
+    return (U16v)_mm256_maddubs_epi16((__m256i)bytes, (__m256i)signedBytes);
+#elif defined(__SSSE3__)
+    return (U16v)_mm_maddubs_epi16((__m128i)bytes, (__m128i)signedBytes);
+#else
+    U16v sums = (U16v)bytes;
+    for (int i = 0; i < kLanes16; ++i)
+        sums[i] =
+            static_cast<uint16_t>(bytes[2 * i] * static_cast<int8_t>(signedBytes[2 * i]) +
+                                  bytes[2 * i + 1] * static_cast<int8_t>(signedBytes[2 * i + 1]));
+    return sums;
+#endif
+}
+inline U32v SumProducts(U16v a, U16v b) {
+#if defined(__AVX2__)
+    return (U32v)_mm256_madd_epi16((__m256i)a, (__m256i)b);
+#elif defined(__SSE2__)
+    return (U32v)_mm_madd_epi16((__m128i)a, (__m128i)b);
+#else
+    const auto product = [&](int i) {
+        return static_cast<uint32_t>(static_cast<int16_t>(a[i]) * static_cast<int16_t>(b[i]));
+    };
+    U32v sums = (U32v)a;
+    for (int i = 0; i < kLanes32; ++i) sums[i] = product(2 * i) + product(2 * i + 1);
+    return sums;
+#endif
+}
+
+// Quotients of 32-bit integers, toward zero; divisors are above 0. A double holds both exactly, and
+// its quotient is never rounded up to a whole number that the true one does not reach.
+inline I32v Quotients(I32v dividend, I32v divisor) {
+#if defined(__AVX2__)
+    const auto half = [](__m128i a, __m128i b) {
+        return _mm256_cvttpd_epi32(_mm256_div_pd(_mm256_cvtepi32_pd(a), _mm256_cvtepi32_pd(b)));
+    };
+    const __m256i a = (__m256i)dividend, b = (__m256i)divisor;
+    const __m128i low = half(_mm256_castsi256_si128(a), _mm256_castsi256_si128(b));
+    const __m128i high = half(_mm256_extracti128_si256(a, 1), _mm256_extracti128_si256(b, 1));
+    return (I32v)_mm256_inserti128_si256(_mm256_castsi128_si256(low), high, 1);
+#elif defined(__SSE2__)
+    const auto half = [](__m128i a, __m128i b) {
+        return _mm_cvttpd_epi32(_mm_div_pd(_mm_cvtepi32_pd(a), _mm_cvtepi32_pd(b)));
+    };
+    const __m128i a = (__m128i)dividend, b = (__m128i)divisor;
+    const __m128i high = half(_mm_unpackhi_epi64(a, a), _mm_unpackhi_epi64(b, b));
+    return (I32v)_mm_unpacklo_epi64(half(a, b), high);
+#else
+    return dividend / divisor;
+#endif
+}
+
+// Signed 32-bit lanes of two vectors, in order, limited to what signed 16-bit lanes hold.
+inline U16v PackSigned(I32v a, I32v b) {
+#if defined(__AVX2__)
+    const __m256i packed = _mm256_packs_epi32((__m256i)a, (__m256i)b);
+    return (U16v)_mm256_permute4x64_epi64(packed, 0xD8);
+#elif defined(__SSE2__)
+    return (U16v)_mm_packs_epi32((__m128i)a, (__m128i)b);
+#else
+    const auto limit = [](I32v v) {
+        const I32v high = v < 32767 ? v : I32v{} + 32767;
+        return (U16v)(high > -32768 ? high : I32v{} - 32768);
+    };
+    return __builtin_shufflevector(limit(a), limit(b), 0, 2, 4, 6, 8, 10, 12, 14);
+#endif
+}
+
+// A bit for each of 16 lanes, the first one's lowest. All bits of a lane are equal.
+inline uint32_t LaneBits(U16x8 first, U16x8 second) {
+#if defined(__SSE2__)
+    const __m128i bytes = _mm_packs_epi16((__m128i)first, (__m128i)second);
+    return static_cast<uint32_t>(_mm_movemask_epi8(bytes));
+#else
+    uint32_t bits = 0;
+    for (int i = 0; i < 8; ++i)
+        bits |= static_cast<uint32_t>(first[i] & 1) << i | static_cast<uint32_t>(second[i] & 1)
+                                                               << (8 + i);
+    return bits;
+#endif
+}
+
+// As above with a pair of weights for each lane. Halves and weights are signed 16-bit numbers.
+template <class V> inline V WeightedHalves(V v, V weights) {
+#if defined(__AVX2__)
+    if constexpr (sizeof(V) == 32) return (V)_mm256_madd_epi16((__m256i)v, (__m256i)weights);
+#endif
+#if defined(__SSE2__)
+    if constexpr (sizeof(V) == 16) return (V)_mm_madd_epi16((__m128i)v, (__m128i)weights);
+#else
+    using Signed = I32v;
+    const Signed a = (Signed)v, b = (Signed)weights;
+    return (V)((a << 16 >> 16) * (b << 16 >> 16) + (a >> 16) * (b >> 16));
+#endif
+}
+
+// Four vectors of signed 32-bit lanes as bytes, in order: what is below 0 as 0, what is above 255
+// as 255.
+inline U8v PackHeld(I32v a, I32v b, I32v c, I32v d) {
+#if defined(__AVX2__)
+    const __m256i ab = _mm256_packs_epi32((__m256i)a, (__m256i)b);
+    const __m256i cd = _mm256_packs_epi32((__m256i)c, (__m256i)d);
+    const __m256i order = _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7);
+    return (U8v)_mm256_permutevar8x32_epi32(_mm256_packus_epi16(ab, cd), order);
+#elif defined(__SSE2__)
+    const __m128i ab = _mm_packs_epi32((__m128i)a, (__m128i)b);
+    return (U8v)_mm_packus_epi16(ab, _mm_packs_epi32((__m128i)c, (__m128i)d));
+#else
+    const auto held = [](I32v v) {
+        const I32v notNegative = v & (v >= 0);
+        return (U32v)(notNegative < 255 ? notNegative : I32v{} + 255);
+    };
+    return PackBytes(held(a), held(b), held(c), held(d));
+#endif
+}
+
+// Doubles: the lower and the upper half of a vector of floats as such, and both rounded back.
+using F64v = double __attribute__((vector_size(kVectorBytes)));
+inline F64v WidenLow(F32v v) {
+#if defined(__AVX2__)
+    return (F64v)_mm256_cvtps_pd(_mm256_castps256_ps128((__m256)v));
+#elif defined(__SSE2__)
+    return (F64v)_mm_cvtps_pd((__m128)v);
+#else
+    return F64v{v[0], v[1]};
+#endif
+}
+inline F64v WidenHigh(F32v v) {
+#if defined(__AVX2__)
+    return (F64v)_mm256_cvtps_pd(_mm256_extractf128_ps((__m256)v, 1));
+#elif defined(__SSE2__)
+    return (F64v)_mm_cvtps_pd(_mm_movehl_ps((__m128)v, (__m128)v));
+#else
+    return F64v{v[2], v[3]};
+#endif
+}
+inline F32v Narrow(F64v low, F64v high) {
+#if defined(__AVX2__)
+    return (F32v)_mm256_insertf128_ps(_mm256_castps128_ps256(_mm256_cvtpd_ps((__m256d)low)),
+                                      _mm256_cvtpd_ps((__m256d)high), 1);
+#elif defined(__SSE2__)
+    return (F32v)_mm_movelh_ps(_mm_cvtpd_ps((__m128d)low), _mm_cvtpd_ps((__m128d)high));
+#else
+    return F32v{static_cast<float>(low[0]), static_cast<float>(low[1]), static_cast<float>(high[0]),
+                static_cast<float>(high[1])};
+#endif
+}
+
+// Of kLanes32 floats in memory those at the places that order names, which are below kLanes32.
+inline F32v PickLanes(const float* from, I32v order) {
+#if defined(__AVX2__)
+    return (F32v)_mm256_permutevar8x32_ps(_mm256_loadu_ps(from), (__m256i)order);
+#elif defined(__SSSE3__)
+    const __m128i first = _mm_setr_epi8(0, 0, 0, 0, 4, 4, 4, 4, 8, 8, 8, 8, 12, 12, 12, 12);
+    const __m128i bytes = _mm_add_epi8(_mm_slli_epi32(_mm_shuffle_epi8((__m128i)order, first), 2),
+                                       _mm_set1_epi32(0x03020100));
+    return (F32v)_mm_shuffle_epi8(_mm_castps_si128(_mm_loadu_ps(from)), bytes);
+#else
+    return F32v{from[order[0]], from[order[1]], from[order[2]], from[order[3]]};
+#endif
+}
+
+// kLanes32 bytes in memory, each in a lane of its own.
+inline I32v LoadWidened(const void* from) {
+#if defined(__AVX2__)
+    return (I32v)_mm256_cvtepu8_epi32(_mm_loadl_epi64(static_cast<const __m128i*>(from)));
+#else
+    const U32v fours = U32v{Load<uint32_t>(from)};
+    const U8v bytes = __builtin_shufflevector((U8v)fours, (U8v)fours, 0, 4, 4, 4, 1, 4, 4, 4, 2, 4,
+                                              4, 4, 3, 4, 4, 4);
+    return (I32v)bytes;
+#endif
+}
+
+// The floats at these places, which may be negative. Faster than one by one where kHasGather.
+#if defined(__AVX2__)
+constexpr bool kHasGather = true;
+inline F32v Gather(const float* from, I32v places) {
+    return (F32v)_mm256_i32gather_ps(from, (__m256i)places, 4);
+}
+#else
+constexpr bool kHasGather = false;
+inline F32v Gather(const float* from, I32v places) {
+    return F32v{from[places[0]], from[places[1]], from[places[2]], from[places[3]]};
+}
+#endif
+
 }  // namespace
