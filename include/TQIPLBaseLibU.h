@@ -10,6 +10,7 @@
 #include <tqipl/hsv.h>
 #include <tqipl/image_memory.h>
 #include <tqipl/luminance.h>
+#include <tqipl/morph.h>
 #include <tqipl/planes.h>
 #include <tqipl/thread.h>
 #include <tqipl/types.h>
