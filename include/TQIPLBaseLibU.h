@@ -15,4 +15,5 @@
 #include <tqipl/thread.h>
 #include <tqipl/types.h>
 #include <tqipl/wait_event.h>
+#include <tqipl/wavelet.h>
 #include <tqipl/zoom.h>
