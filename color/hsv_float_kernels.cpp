@@ -17,8 +17,8 @@ struct Hsv {
 template <class V> struct Rgb { V r, g, b; };
 
 inline F32v Splat(float value) { return F32v{} + value; }
-inline F32v Larger(F32v a, F32v b) { return a > b ? a : b; }
-inline F32v Smaller(F32v a, F32v b) { return a > b ? b : a; }
+inline F32v Greater(F32v a, F32v b) { return a > b ? a : b; }
+inline F32v Lesser(F32v a, F32v b) { return a > b ? b : a; }
 
 // The low byte of what truncation to 32 bits gives: 0 for NaN and for what 32 bits cannot hold.
 inline U32v LowByte(F32v v) {
@@ -79,8 +79,8 @@ static_assert(ByteQuotientsAreFloatQuotients());
 inline Hsv FromBgraWords(U32v words) {
     const auto channel = [](U32v w) { return ToFloat((I32v)(w & 0xFF)); };
     const F32v b = channel(words), g = channel(words >> 8), r = channel(words >> 16);
-    const F32v largest = Larger(Larger(r, g), b);
-    const F32v d = largest - Smaller(Smaller(r, g), b);
+    const F32v largest = Greater(Greater(r, g), b);
+    const F32v d = largest - Lesser(Lesser(r, g), b);
     const F32v inverse = 1.0f / d;
     const I32v isRed = r == largest, isGreen = g == largest;
     const F32v difference = isRed ? g - b : isGreen ? b - r : r - g;
@@ -271,8 +271,8 @@ constexpr ptrdiff_t kPixels = 2 * kLanes32;
 // Of studio-range luma, scaled, and what chroma adds to it. The channels are not limited.
 inline Hsv FromSums(F32v luma, F32v blue, F32v green, F32v red) {
     const F32v b = blue + luma, g = luma - green, r = red + luma;
-    const F32v largest = Larger(Larger(r, g), b);
-    const F32v smallest = Smaller(Smaller(r, g), b);
+    const F32v largest = Greater(Greater(r, g), b);
+    const F32v smallest = Lesser(Lesser(r, g), b);
     const F32v d = largest - smallest;
     const I32v isRed = r == largest, isGreen = g == largest;
     const F32v difference = isRed ? g - b : isGreen ? b - r : r - g;

@@ -716,11 +716,13 @@ inline F32v PickLanes(const float* from, I32v order) {
 inline I32v LoadWidened(const void* from) {
 #if defined(__AVX2__)
     return (I32v)_mm256_cvtepu8_epi32(_mm_loadl_epi64(static_cast<const __m128i*>(from)));
+#elif defined(__SSE2__)
+    const __m128i zero = _mm_setzero_si128();
+    const __m128i bytes = _mm_cvtsi32_si128(Load<int32_t>(from));
+    return (I32v)_mm_unpacklo_epi16(_mm_unpacklo_epi8(bytes, zero), zero);
 #else
-    const U32v fours = U32v{Load<uint32_t>(from)};
-    const U8v bytes = __builtin_shufflevector((U8v)fours, (U8v)fours, 0, 4, 4, 4, 1, 4, 4, 4, 2, 4,
-                                              4, 4, 3, 4, 4, 4);
-    return (I32v)bytes;
+    const uint8_t* bytes = static_cast<const uint8_t*>(from);
+    return I32v{bytes[0], bytes[1], bytes[2], bytes[3]};
 #endif
 }
 
@@ -736,5 +738,16 @@ inline F32v Gather(const float* from, I32v places) {
     return F32v{from[places[0]], from[places[1]], from[places[2]], from[places[3]]};
 }
 #endif
+
+// The smaller of two floats; the second where they do not compare.
+inline F32v Smaller(F32v a, F32v b) {
+#if defined(__AVX2__)
+    return (F32v)_mm256_min_ps((__m256)a, (__m256)b);
+#elif defined(__SSE2__)
+    return (F32v)_mm_min_ps((__m128)a, (__m128)b);
+#else
+    return a < b ? a : b;
+#endif
+}
 
 }  // namespace

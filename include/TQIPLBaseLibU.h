@@ -7,6 +7,7 @@
 #include <tqipl/color.h>
 #include <tqipl/deep.h>
 #include <tqipl/export.h>
+#include <tqipl/filter.h>
 #include <tqipl/hsv.h>
 #include <tqipl/image_memory.h>
 #include <tqipl/luminance.h>

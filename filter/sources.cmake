@@ -1,0 +1,20 @@
+target_sources(tq_objects PRIVATE
+    filter/average.cpp
+    filter/bilateral.cpp
+    filter/bilateral_rows.cpp
+    filter/bilateral_separable.cpp
+    filter/deinterlace.cpp
+    filter/filter_tables.cpp
+    filter/gauss.cpp
+    filter/gauss3x3.cpp
+    filter/median.cpp
+    filter/psnr.cpp
+    filter/windowed.cpp)
+tq_add_kernels(
+    filter/average_kernels.cpp
+    filter/bilateral_kernels.cpp
+    filter/deinterlace_kernels.cpp
+    filter/gauss3x3_kernels.cpp
+    filter/gauss_kernels.cpp
+    filter/median_kernels.cpp
+    filter/psnr_kernels.cpp)
