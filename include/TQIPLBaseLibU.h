@@ -10,6 +10,7 @@
 #include <tqipl/filter.h>
 #include <tqipl/hsv.h>
 #include <tqipl/image_memory.h>
+#include <tqipl/labelling.h>
 #include <tqipl/luminance.h>
 #include <tqipl/morph.h>
 #include <tqipl/planes.h>

@@ -3,7 +3,8 @@
 // The records and enumerations that cross the interface.
 
 // A half-open rectangle: columns left up to but not including right, rows top up to but not
-// including bottom. A routine that takes one clamps it to its image first; see image_memory.h.
+// including bottom. A routine that takes one clamps it to its image first; see image_memory.h. The
+// rectangles that labelling lists are the exception: all four of their fields are inclusive.
 struct TQ_RECT {
     int left;
     int top;
