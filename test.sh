@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and runs every test. Without arguments: GCC, Release. With
-# preset names (linux-gcc, linux-clang, asan, tsan, windows): those, one after the other.
+# preset names (linux-gcc, linux-clang, asan, tsan, windows; peers compares with OpenCV): those, one
+# after the other.
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -11,6 +12,7 @@ packages=(cmake ninja-build g++ googletest pkg-config libcli11-dev libpng-dev cl
 for preset in "${presets[@]}"; do
     case "$preset" in
         linux-clang) packages+=(clang) ;;
+        peers) packages+=(libopencv-dev) ;;
         tsan) packages+=(clang libclang-rt-14-dev) ;;
         windows) packages+=(g++-mingw-w64-x86-64-posix wine wine64) ;;
     esac
