@@ -51,7 +51,7 @@ foreach(source IN LISTS sources)
                 set(allowed FALSE)
             endif()
         elseif(folder MATCHES "^(${families})$")
-            if(header MATCHES "^frame/simd\\.h$|_formulas\\.h$" AND NOT source MATCHES "_formulas\\.h$")
+            if(header MATCHES "^frame/simd(_[a-z]+)?\\.h$|_formulas\\.h$" AND NOT source MATCHES "_formulas\\.h$")
                 set(allowed FALSE)
             elseif(header MATCHES "^(${families}|tests|tools|bench)/" AND
                    NOT header MATCHES "^${folder}/")

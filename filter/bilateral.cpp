@@ -10,7 +10,7 @@
 #include "filter/bilateral_rows.h"
 #include "filter/filter_tables.h"
 #include "filter/in_place.h"
-#include "filter/scratch.h"
+#include "frame/scratch.h"
 
 namespace {
 

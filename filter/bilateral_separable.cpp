@@ -14,8 +14,8 @@
 #include "filter/bilateral_tasks.h"
 #include "filter/filter_tables.h"
 #include "filter/in_place.h"
-#include "filter/scratch.h"
 #include "frame/band.h"
+#include "frame/scratch.h"
 
 namespace {
 
@@ -285,13 +285,14 @@ int64_t CDoBilateralFilterHTask::ScratchBytes(int64_t columns, int64_t radius) {
 }
 
 int CDoBilateralFilterHTask::Run() {
-    if (m_nDstHeight < 1) return 1;
     const int radius = m_pTables->m_nRadius1D;
+    const ptrdiff_t width = m_nSrcWidth - ptrdiff_t{2} * radius;
+    if (m_nSrcHeight < 1 || width < 1) return 1;
     const tq::BilateralKernels* kernels = KernelsFor(*m_pTables);
     if (kernels == nullptr) {
-        tq::ForEachRow(m_nDstHeight, m_nSrcStride, m_pSrc, m_nDstStride, m_pDst,
+        tq::ForEachRow(m_nSrcHeight, m_nSrcStride, m_pSrc, m_nDstStride, m_pDst,
                        [&](const unsigned char* from, int* to) {
-                           for (int x = 0; x < m_nDstWidth; ++x) {
+                           for (ptrdiff_t x = 0; x < width; ++x) {
                                TapSums sums(*m_pTables, from[x + radius]);
                                for (ptrdiff_t dx = -radius; dx <= radius; ++dx)
                                    sums.Add(from[x + radius + dx], std::abs(dx));
@@ -300,17 +301,16 @@ int CDoBilateralFilterHTask::Run() {
                        });
         return 1;
     }
-    const tq::RowRing source(m_pScratch, 1, m_nDstWidth, radius);
-    const tq::RowRing passed(m_pScratch + tq::RowRing::RowBytes(m_nDstWidth, radius), 1,
-                             m_nDstWidth, 0);
+    const tq::RowRing source(m_pScratch, 1, width, radius);
+    const tq::RowRing passed(m_pScratch + tq::RowRing::RowBytes(width, radius), 1, width, 0);
     HorizontalRows horizontal(*kernels, *m_pTables);
-    tq::ForEachRow(m_nDstHeight, m_nSrcStride, m_pSrc, m_nDstStride, m_pDst,
+    tq::ForEachRow(m_nSrcHeight, m_nSrcStride, m_pSrc, m_nDstStride, m_pDst,
                    [&](const unsigned char* from, int* to) {
                        std::memcpy(source.Row(0) - radius, from, static_cast<size_t>(m_nSrcWidth));
-                       horizontal.Filter(source.Row(0), m_nDstWidth, 0, m_nDstWidth, nullptr,
-                                         nullptr, passed.Row(0));
+                       horizontal.Filter(source.Row(0), width, 0, width, nullptr, nullptr,
+                                         passed.Row(0));
                        const uint8_t* values = passed.Row(0);
-                       std::copy(values, values + m_nDstWidth, to);
+                       std::copy(values, values + width, to);
                    });
     return 1;
 }
@@ -320,29 +320,30 @@ int64_t CDoBilateralFilterVTask::ScratchBytes(int64_t columns, int64_t radius) {
 }
 
 int CDoBilateralFilterVTask::Run() {
-    if (m_nDstWidth < 1) return 1;
+    const int radius = m_pTables->m_nRadius1D;
+    const int64_t height = m_nSrcHeight - int64_t{2} * radius;
+    if (m_nSrcWidth < 1) return 1;
     const tq::BilateralKernels* kernels = KernelsFor(*m_pTables);
     if (kernels == nullptr) {
-        for (int y = 0; y < m_nDstHeight; ++y)
-            for (int x = 0; x < m_nDstWidth; ++x) FilterColumn(*this, x, y);
+        for (int y = 0; y < height; ++y)
+            for (int x = 0; x < m_nSrcWidth; ++x) FilterColumn(*this, x, y);
         return 1;
     }
-    const int radius = m_pTables->m_nRadius1D;
-    const tq::RowRing rows(m_pScratch, 2 * radius + 1, m_nDstWidth, 0);
+    const tq::RowRing rows(m_pScratch, 2 * radius + 1, m_nSrcWidth, 0);
     const VerticalRows vertical(*kernels, *m_pTables);
     // Rows that nothing wrote may hold more than bytes. They are the last ones: from the first such
     // row on, every window holds it.
     int read = 0;
     bool bytes = true;
-    for (int y = 0; y < m_nDstHeight; ++y) {
+    for (int y = 0; y < height; ++y) {
         const int last = y + 2 * radius;
         for (; read <= last && bytes; ++read)
-            bytes = ToBytes(m_pSrc + ptrdiff_t{read} * m_nSrcStride, m_nDstWidth, rows.Row(read));
+            bytes = ToBytes(m_pSrc + ptrdiff_t{read} * m_nSrcStride, m_nSrcWidth, rows.Row(read));
         if (bytes)
-            vertical.Filter(rows, y, y + radius, last, m_nDstWidth,
+            vertical.Filter(rows, y, y + radius, last, m_nSrcWidth,
                             m_pDst + ptrdiff_t{y} * m_nDstStride);
         else
-            for (int x = 0; x < m_nDstWidth; ++x) FilterColumn(*this, x, y);
+            for (int x = 0; x < m_nSrcWidth; ++x) FilterColumn(*this, x, y);
     }
     return 1;
 }
@@ -394,9 +395,11 @@ void IPL_BilteralExMutiThread_8u_C1R(int width, int height, int srcStride, unsig
     const tq::BandPlan rows = tq::PlanBands(tq::kBandFormC, height);
     const tq::BandPlan columns = tq::PlanBands(tq::kBandFormC, width);
     const int widest = columns.Length(columns.count - 1);
-    const int64_t rowScratch = CDoBilateralFilterHTask::ScratchBytes(width, radius);
-    const int64_t columnScratch = CDoBilateralFilterVTask::ScratchBytes(widest, radius);
-    const int64_t scratchBytes = std::max(rowScratch, columnScratch);
+    // Of the kernels, where they serve.
+    const int64_t scratchBytes =
+        KernelsFor(tables) ? std::max(CDoBilateralFilterHTask::ScratchBytes(width, radius),
+                                      CDoBilateralFilterVTask::ScratchBytes(widest, radius))
+                           : 0;
     const tq::Scratch scratch(rows.count, scratchBytes);
 
     tq::TaskSet<CDoBilateralFilterHTask> horizontal;

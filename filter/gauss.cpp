@@ -10,9 +10,9 @@
 #include "filter/filter_tables.h"
 #include "filter/gauss_kernels.h"
 #include "filter/in_place.h"
-#include "filter/scratch.h"
 #include "filter/wrapped_quotient.h"
 #include "frame/isa.h"
+#include "frame/scratch.h"
 
 namespace {
 

@@ -111,11 +111,11 @@ template <int kRank, int kCountA, int kCountB, int kFromA = 0>
         return a[kFromA - 1];
     } else {
         U8v higher = b[kFromB - 1];
-        if constexpr (kFromA > 0) higher = Higher(a[kFromA - 1], higher);
+        if constexpr (kFromA > 0) higher = Larger(a[kFromA - 1], higher);
         if constexpr (kFromA == kCountA)
             return higher;
         else
-            return Lower(higher, Select<kRank, kCountA, kCountB, kFromA + 1>(a, b));
+            return Smaller(higher, Select<kRank, kCountA, kCountB, kFromA + 1>(a, b));
     }
 }
 
@@ -186,17 +186,17 @@ struct Triple {
     U8v low, middle, high;
 };
 inline Triple SortTriple(U8v a, U8v b, U8v c) {
-    const U8v low = Lower(a, b), high = Higher(a, b);
-    const U8v rest = Higher(low, c);
-    return {Lower(low, c), Lower(high, rest), Higher(high, rest)};
+    const U8v low = Smaller(a, b), high = Larger(a, b);
+    const U8v rest = Larger(low, c);
+    return {Smaller(low, c), Smaller(high, rest), Larger(high, rest)};
 }
-inline U8v MedianOf(U8v a, U8v b, U8v c) { return Higher(Lower(a, b), Lower(Higher(a, b), c)); }
+inline U8v MedianOf(U8v a, U8v b, U8v c) { return Larger(Smaller(a, b), Smaller(Larger(a, b), c)); }
 
 // The median of nine is that of the highest of the columns' lowest, the median of their medians,
 // and the lowest of their highest.
 inline U8v MedianOfColumns(const Triple& a, const Triple& b, const Triple& c) {
-    return MedianOf(Higher(Higher(a.low, b.low), c.low), MedianOf(a.middle, b.middle, c.middle),
-                    Lower(Lower(a.high, b.high), c.high));
+    return MedianOf(Larger(Larger(a.low, b.low), c.low), MedianOf(a.middle, b.middle, c.middle),
+                    Smaller(Smaller(a.high, b.high), c.high));
 }
 
 void Network3x3Row(const uint8_t* src, ptrdiff_t stride, uint8_t* dst, ptrdiff_t count) {

@@ -104,9 +104,6 @@ constexpr Network MergingNetwork(int countA, int countB, int first, int last) {
     return network;
 }
 
-inline U8v Lower(U8v a, U8v b) { return a < b ? a : b; }
-inline U8v Higher(U8v a, U8v b) { return a > b ? a : b; }
-
 // The comparators from kBegin to kEnd - 1 of Source::kNetwork.
 template <class Source, int kBegin, int kEnd>
 [[gnu::always_inline]] inline void Run([[maybe_unused]] U8v* wires) {
@@ -117,8 +114,8 @@ template <class Source, int kBegin, int kEnd>
     } else if constexpr (kEnd - kBegin == 1) {
         constexpr Comparator c = Source::kNetwork.comparators[kBegin];
         const U8v a = wires[c.low], b = wires[c.high];
-        if constexpr (c.takesLow) wires[c.low] = Lower(a, b);
-        if constexpr (c.takesHigh) wires[c.high] = Higher(a, b);
+        if constexpr (c.takesLow) wires[c.low] = Smaller(a, b);
+        if constexpr (c.takesHigh) wires[c.high] = Larger(a, b);
     }
 }
 

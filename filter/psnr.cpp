@@ -18,7 +18,9 @@ float ValueOf(const tq::FloatSum& sum) {
 
 // The numerator is a square and the denominator a root: kept on purpose.
 float Decibels(float sum, float count) {
-    return 10.0f * std::log10(65025.0f / (std::sqrt(sum / count) + 0.0000001f));
+    const float quotient = 65025.0f / (std::sqrt(sum / count) + 0.0000001f);
+    // Rounded from a double, the logarithm is the same float from every C runtime.
+    return 10.0f * static_cast<float>(std::log10(static_cast<double>(quotient)));
 }
 
 float PixelCount(int width, int height) { return static_cast<float>(tq::Mul32(width, height)); }

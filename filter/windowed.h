@@ -29,7 +29,8 @@ struct WindowedImages {
 
 // Copies the rows above the filtered ones, and as many below them. The last row of the image and
 // the columns beside the filtered ones keep what dst held: kept on purpose. Of a radius beyond the
-// image only the rows that exist are copied. The radius is 1 or more.
+// image only the rows that exist are copied, and all of them if it reaches the height. The radius
+// is 1 or more.
 void CopyBorderRows(const WindowedImages& images);
 
 }  // namespace tq

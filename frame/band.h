@@ -1,12 +1,14 @@
 #pragma once
 
-// The one place that cuts an image in bands. Families state which rule they follow
-// and fill their own task records; nothing else divides by the processor count.
+// The one place that cuts an image in bands. Families state which rule they follow and fill their
+// own task records; nothing else divides an image by the processor count.
 
 #include <tqipl/array.h>
 #include <tqipl/thread.h>
 
+#include <cstdint>
 #include <memory>
+#include <new>
 
 #include "frame/module.h"
 #include "frame/rows.h"
@@ -40,7 +42,38 @@ inline BandPlan PlanBands(BandRule rule, int total) {
     return {total, rule.collapseWhenShort && length == 0 ? 1 : processors, length};
 }
 
+// The same of unsigned lengths, in a number of parts that the caller gives: one part where there is
+// less than one for each.
+struct Stripes {
+    Stripes(unsigned int whole, unsigned int parts)
+        : total(whole), count(whole / parts == 0 ? 1 : parts), length(whole / parts) {}
+    unsigned int First(unsigned int i) const { return i * length; }
+    unsigned int Length(unsigned int i) const { return i + 1 < count ? length : total - First(i); }
+
+    unsigned int total, count, length;
+};
+
 inline bool RunsPlain(BandRule rule) { return rule.plainAtOneProcessor && g_IPLProcessorCount < 2; }
+
+// Whether the rows of an image share bytes, so that two tasks that write different rows would write
+// the same memory. Sizes of 1 or more.
+inline bool RowsOverlap(int width, int64_t stride) { return stride < width && -stride < width; }
+
+// The body of a Run that needs memory. Run must not throw: what runs out is noted in the task's
+// m_bOutOfMemory, for whoever waits for the task.
+template <class Task, class Body> int RunInTask(Task& task, Body body) {
+    try {
+        body();
+    } catch (const std::bad_alloc&) {
+        task.m_bOutOfMemory = true;
+    }
+    return 1;
+}
+
+template <class Task> void ThrowIfOutOfMemory(const Task& task) {
+    if constexpr (requires { task.m_bOutOfMemory; })
+        if (task.m_bOutOfMemory) throw std::bad_alloc();
+}
 
 // The tasks of one MultiThread form: made here, run by the global pool, which only borrows them,
 // and deleted in order. Run may be called again for families that work in two passes.
@@ -48,7 +81,7 @@ template <class Task> class TaskSet {
 public:
     TaskSet() = default;
     ~TaskSet() {
-        for (int64_t i = 0; i < m_tasks.GetSize(); ++i) delete m_tasks.GetAt(i);
+        for (int i = 0; i < Count(); ++i) delete m_tasks.GetAt(i);
     }
     TaskSet(const TaskSet&) = delete;
     TaskSet& operator=(const TaskSet&) = delete;
@@ -58,10 +91,28 @@ public:
         m_tasks.Add(task.get());
         return *task.release();
     }
+    int Count() const { return static_cast<int>(m_tasks.GetSize()); }
     Task& At(int i) { return *static_cast<Task*>(m_tasks.GetAt(i)); }
-    void Run() { CTQIPLThreadPool::GetInstance()->RunTasks(m_tasks, -1); }
+
+    // Throws std::bad_alloc if memory ran out, in the pool or in a task.
+    void Run() {
+        CTQIPLThreadPool::GetInstance()->RunTasks(m_tasks, -1);
+        ThrowIfAnyOutOfMemory();
+    }
+
+    // The same for tasks that write rows of their own in one image: one after the other where those
+    // rows share bytes.
+    void RunOnRows(int width, int64_t stride) {
+        if (!RowsOverlap(width, stride)) return Run();
+        for (int i = 0; i < Count(); ++i) At(i).Run();
+        ThrowIfAnyOutOfMemory();
+    }
 
 private:
+    void ThrowIfAnyOutOfMemory() {
+        for (int i = 0; i < Count(); ++i) ThrowIfOutOfMemory(At(i));
+    }
+
     CTQArray<CTQIPLTaskBase*, CTQIPLTaskBase*> m_tasks;
 };
 

@@ -6,8 +6,8 @@
 #include <algorithm>
 
 #include "frame/band.h"
+#include "frame/scratch.h"
 #include "morph/morph_tasks.h"
-#include "morph/scratch_bytes.h"
 #include "morph/seam_rows.h"
 #include "morph/window_pass.h"
 
@@ -76,8 +76,13 @@ struct Change {
 void ClearMargin(const Change& change, int stride, unsigned char* image) {
     const int x = std::clamp(change.radiusX, 0, change.width);
     const int y = std::clamp(change.radiusY, 0, change.height);
-    TQ_RECT inner = {x, y, change.width - x, change.height - y};
-    IPL_FillMemoryOut_C1R(change.width, change.height, stride, image, inner, 0);
+    const auto rowAt = [=](int row) { return image + ptrdiff_t{row} * stride; };
+    const int bottom = change.height - y;
+    IPL_ZeroMemory_C1R(change.width, y, stride, image);
+    if (y > 0) IPL_ZeroMemory_C1R(change.width, y, stride, rowAt(bottom));
+    if (y >= bottom || x < 1) return;
+    IPL_ZeroMemory_C1R(x, bottom - y, stride, rowAt(y));
+    IPL_ZeroMemory_C1R(x, bottom - y, stride, rowAt(y) + (change.width - x));
 }
 
 // Sets band `i` of the change, from the image to rows at dst, of which it is given the first.
@@ -102,6 +107,7 @@ template <class Operation> void RunWhole(const Change& change, int dstStride, un
     typename Operation::Task task;
     SetBand(task, change, {change.height, 1, change.height}, 0, dstStride, dst);
     task.Run();
+    tq::ThrowIfOutOfMemory(task);
     ClearMargin(change, dstStride, dst);
 }
 
@@ -120,7 +126,7 @@ template <class Operation> void RunBandsInPlace(const Change& change, const tq::
 
 template <class Operation>
 void RunBandsThroughScratch(const Change& change, const tq::BandPlan& plan) {
-    tq::ScratchBytes scratch(int64_t{change.width} * change.height);
+    tq::Scratch scratch(int64_t{change.width} * change.height);
     tq::TaskSet<typename Operation::Task> tasks;
     for (int i = 0; i < plan.count; ++i)
         SetBand(tasks.Add(), change, plan, i, change.width, scratch.Data());
@@ -137,7 +143,7 @@ template <class Operation> void RunPlain(const Change& change) {
         return;
     }
     // All rows are to be read before one is written.
-    tq::ScratchBytes scratch(int64_t{change.width} * change.height);
+    tq::Scratch scratch(int64_t{change.width} * change.height);
     RunWhole<Operation>(change, change.width, scratch.Data());
     IPL_Memcpy_C1R(change.width, change.height, change.width, scratch.Data(), change.stride,
                    change.image);
@@ -157,13 +163,11 @@ template <class Operation> void RunBands(const Change& change) {
 }  // namespace
 
 int CMorph_ErosionTask::Run() {
-    WriteInnerPixels<Erosion>(*this);
-    return 1;
+    return tq::RunInTask(*this, [this] { WriteInnerPixels<Erosion>(*this); });
 }
 
 int CMorph_DilationTask::Run() {
-    WriteInnerPixels<Dilation>(*this);
-    return 1;
+    return tq::RunInTask(*this, [this] { WriteInnerPixels<Dilation>(*this); });
 }
 
 void IPL_Erosion(int width, int height, int stride, unsigned char* image, int radiusY,

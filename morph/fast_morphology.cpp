@@ -6,8 +6,8 @@
 #include <algorithm>
 
 #include "frame/band.h"
+#include "frame/scratch.h"
 #include "morph/morph_tasks.h"
-#include "morph/scratch_bytes.h"
 #include "morph/seam_rows.h"
 #include "morph/window_pass.h"
 
@@ -74,6 +74,7 @@ void RunPlain(int width, int height, int stride, unsigned char* image, int radiu
     task.m_nRadiusY = radiusY;
     task.m_nRadiusX = radiusX;
     task.Run();
+    tq::ThrowIfOutOfMemory(task);
 }
 
 template <class Operation>
@@ -97,14 +98,14 @@ void RunBands(const tq::BandPlan& plan, int width, int srcStride, unsigned char*
         if (seams != nullptr && i + 1 < plan.count) task.m_pSeamBelow = seams->BelowSeam(i + 1);
         firstRow += task.m_nRows;
     }
-    tasks.Run();
+    tasks.RunOnRows(width, dstStride);
 }
 
 template <class Operation>
 void RunInPlace(int width, int height, int stride, unsigned char* image, int radiusY, int radiusX) {
     if (width < 1 || height < 1) return;
     const tq::BandPlan plan = tq::PlanBands(tq::kBandFormC, height);
-    if (plan.Length(plan.count - 1) == height) {
+    if (plan.Length(plan.count - 1) == height && !tq::RowsOverlap(width, stride)) {
         // One band has all rows and may work in place.
         RunBands<Operation>(plan, width, stride, image, stride, image, radiusY, radiusX);
         return;
@@ -114,8 +115,8 @@ void RunInPlace(int width, int height, int stride, unsigned char* image, int rad
         RunBands<Operation>(plan, width, stride, image, stride, image, radiusY, radiusX, &seams);
         return;
     }
-    tq::ScratchBytes scratch(int64_t{width} * height);
-    IPL_MemcpyMultiThread_C1R(width, height, stride, image, width, scratch.Data());
+    tq::Scratch scratch(int64_t{width} * height);
+    IPL_Memcpy_C1R(width, height, stride, image, width, scratch.Data());
     RunBands<Operation>(plan, width, width, scratch.Data(), stride, image, radiusY, radiusX);
 }
 
@@ -123,6 +124,10 @@ template <class Operation>
 void RunFromTo(int width, int height, int srcStride, unsigned char* src, int dstStride,
                unsigned char* dst, int radiusY, int radiusX) {
     if (width < 1 || height < 1) return;
+    if (src == dst && srcStride == dstStride) {
+        RunInPlace<Operation>(width, height, srcStride, src, radiusY, radiusX);
+        return;
+    }
     RunBands<Operation>(tq::PlanBands(tq::kBandFormC, height), width, srcStride, src, dstStride,
                         dst, radiusY, radiusX);
 }
@@ -134,21 +139,32 @@ void RunTwo(int width, int height, int srcStride, unsigned char* src, int dstStr
             unsigned char* dst, int radiusY1, int radiusX1, int radiusY2, int radiusX2) {
     if (width < 1 || height < 1) return;
     const tq::BandPlan plan = tq::PlanBands(tq::kBandFormC, height);
-    tq::ScratchBytes scratch(int64_t{width} * height);
+    tq::Scratch scratch(int64_t{width} * height);
     RunBands<First>(plan, width, srcStride, src, width, scratch.Data(), radiusY1, radiusX1);
     RunBands<Second>(plan, width, width, scratch.Data(), dstStride, dst, radiusY2, radiusX2);
+}
+
+template <class First, class Second>
+void RunTwoInPlace(int width, int height, int stride, unsigned char* image, int radiusY1,
+                   int radiusX1, int radiusY2, int radiusX2) {
+    if (tq::RowsOverlap(width, stride)) {
+        // The second operation sees what the first one left in the shared bytes.
+        RunInPlace<First>(width, height, stride, image, radiusY1, radiusX1);
+        RunInPlace<Second>(width, height, stride, image, radiusY2, radiusX2);
+        return;
+    }
+    RunTwo<First, Second>(width, height, stride, image, stride, image, radiusY1, radiusX1, radiusY2,
+                          radiusX2);
 }
 
 }  // namespace
 
 int CZFErosion_Task::Run() {
-    WriteBand<Erosion>(*this);
-    return 1;
+    return tq::RunInTask(*this, [this] { WriteBand<Erosion>(*this); });
 }
 
 int CZFDilation_Task::Run() {
-    WriteBand<Dilation>(*this);
-    return 1;
+    return tq::RunInTask(*this, [this] { WriteBand<Dilation>(*this); });
 }
 
 void IPL_FErosion(int width, int height, int stride, unsigned char* image, int radiusY,
@@ -189,8 +205,8 @@ void IPL_FOpening(int width, int height, int stride, unsigned char* image, int r
 
 void IPL_FOpening_MultiThread(int width, int height, int stride, unsigned char* image, int radiusY1,
                               int radiusX1, int radiusY2, int radiusX2) {
-    RunTwo<Erosion, Dilation>(width, height, stride, image, stride, image, radiusY1, radiusX1,
-                              radiusY2, radiusX2);
+    RunTwoInPlace<Erosion, Dilation>(width, height, stride, image, radiusY1, radiusX1, radiusY2,
+                                     radiusX2);
 }
 
 void IPL_FOpening_MultiThread(int width, int height, int srcStride, unsigned char* src,
@@ -208,8 +224,8 @@ void IPL_FClosing(int width, int height, int stride, unsigned char* image, int r
 
 void IPL_FClosing_MultiThread(int width, int height, int stride, unsigned char* image, int radiusY1,
                               int radiusX1, int radiusY2, int radiusX2) {
-    RunTwo<Dilation, Erosion>(width, height, stride, image, stride, image, radiusY1, radiusX1,
-                              radiusY2, radiusX2);
+    RunTwoInPlace<Dilation, Erosion>(width, height, stride, image, radiusY1, radiusX1, radiusY2,
+                                     radiusX2);
 }
 
 void IPL_FClosing_MultiThread(int width, int height, int srcStride, unsigned char* src,

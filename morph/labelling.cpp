@@ -76,7 +76,7 @@ void IPL_FCCLabeling_MultiThread(int width, int height, int stride, unsigned cha
     if (rects == nullptr) return;
     rects->SetSize(0);
     if (!HasPixels(width, height, stride, mask) || !tq::BandsAreFinished()) return;
-    tq::RepeatedTasks<CZFCCLabeing_Task> tasks;
+    tq::TaskSet<CZFCCLabeing_Task> tasks;
     tq::LabelBands(tasks, height, [=](CZFCCLabeing_Task& task, int firstRow, int rows) {
         task.m_nWidth = width;
         task.m_nFirstRow = firstRow;
@@ -85,7 +85,7 @@ void IPL_FCCLabeling_MultiThread(int width, int height, int stride, unsigned cha
         task.m_pBand = mask + int64_t{firstRow} * stride;
         task.m_nMinimumSize = minimumSize;
     });
-    tq::FinishBands(tasks, width, stride);
+    tasks.RunOnRows(width, stride);
     for (int i = 0; i < tasks.Count(); ++i) {
         CTQArray<TQ_RECT, TQ_RECT&>& found = tasks.At(i).m_rects;
         tq::Append(*rects, found.m_pData, static_cast<size_t>(found.GetSize()));

@@ -48,7 +48,7 @@ void CollectSeeds(RunVector& runs, const unsigned char* image, unsigned int stri
     }
 }
 
-void DenoiseZeroBands(RepeatedTasks<CZFCCDeNoiseEx2_Task>& tasks, int width, int height,
+void DenoiseZeroBands(TaskSet<CZFCCDeNoiseEx2_Task>& tasks, int width, int height,
                       unsigned int stride, unsigned char* mask, unsigned int threshold) {
     LabelBands(tasks, height, [=](CZFCCDeNoiseEx2_Task& task, int firstRow, int rows) {
         task.m_nWidth = static_cast<unsigned int>(width);
@@ -58,7 +58,7 @@ void DenoiseZeroBands(RepeatedTasks<CZFCCDeNoiseEx2_Task>& tasks, int width, int
         task.m_pImage = mask;
         task.m_nThreshold = threshold;
     });
-    FinishBands(tasks, width, stride);
+    tasks.RunOnRows(width, stride);
 }
 
 }  // namespace tq
@@ -101,7 +101,7 @@ void IPL_FCCLabelingDeNoiseEx_MultiThread(unsigned int width, unsigned int heigh
                                           unsigned int stride, unsigned char* mask,
                                           unsigned int threshold) {
     if (!HasPixels(width, height, stride, mask) || !tq::BandsAreFinished()) return;
-    tq::RepeatedTasks<CZFCCDeNoiseEx_Task> tasks;
+    tq::TaskSet<CZFCCDeNoiseEx_Task> tasks;
     tq::LabelBands(tasks, static_cast<int>(height),
                    [=](CZFCCDeNoiseEx_Task& task, int firstRow, int rows) {
                        task.m_nWidth = width;
@@ -111,7 +111,7 @@ void IPL_FCCLabelingDeNoiseEx_MultiThread(unsigned int width, unsigned int heigh
                        task.m_pBand = mask + int64_t{firstRow} * stride;
                        task.m_nThreshold = threshold;
                    });
-    tq::FinishBands(tasks, static_cast<int>(width), stride);
+    tasks.RunOnRows(static_cast<int>(width), stride);
 }
 
 int CZFCCDeNoiseEx2_Task::Run() {
@@ -134,7 +134,7 @@ void IPL_FCCLabelingDeNoiseEx2_MultiThread(unsigned int width, unsigned int heig
                                            unsigned int stride, unsigned char* mask,
                                            unsigned int threshold) {
     if (!HasPixels(width, height, stride, mask) || !tq::BandsAreFinished()) return;
-    tq::RepeatedTasks<CZFCCDeNoiseEx2_Task> tasks;
+    tq::TaskSet<CZFCCDeNoiseEx2_Task> tasks;
     tq::DenoiseZeroBands(tasks, static_cast<int>(width), static_cast<int>(height), stride, mask,
                          threshold);
 }

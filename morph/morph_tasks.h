@@ -34,6 +34,8 @@ public:
     // the destination may be the source.
     const unsigned char* m_pSeamAbove = nullptr;
     const unsigned char* m_pSeamBelow = nullptr;
+
+    bool m_bOutOfMemory = false;  // set by Run, which must not throw
 };
 
 // One band of IPL_FErosion or IPL_FDilation. The source may be the destination if one task has all
@@ -54,6 +56,7 @@ public:
     // As above.
     const unsigned char* m_pSeamAbove = nullptr;
     const unsigned char* m_pSeamBelow = nullptr;
+    bool m_bOutOfMemory = false;
 };
 
 }  // namespace tq

@@ -6,11 +6,9 @@
 #include <cstring>
 
 #include "frame/band.h"
-#include "morph/scratch_bytes.h"
+#include "frame/scratch.h"
 
 namespace tq {
-
-inline bool RowsOverlap(int width, int stride) { return stride < width && stride > -width; }
 
 // The radiusY rows above and below each seam between two bands of an image, dense.
 class SeamRows {
@@ -42,7 +40,7 @@ public:
 private:
     const ptrdiff_t m_width;
     const int64_t m_radiusY;
-    ScratchBytes m_memory;
+    Scratch m_memory;
 };
 
 }  // namespace tq

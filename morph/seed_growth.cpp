@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <atomic>
-#include <new>
 #include <vector>
 
 #include "morph/labelling_bands.h"
@@ -178,7 +177,7 @@ void IPL_FCCDeNoiseAndGrowth2(unsigned int width, unsigned int height, unsigned 
     CZSeedGrowth_Task task;
     Prepare(task, {width, height, guideStride, guide, maskStride, mask}, seeds);
     task.Run();
-    if (task.m_bOutOfMemory) throw std::bad_alloc();
+    tq::ThrowIfOutOfMemory(task);
 }
 
 void IPL_FCCDeNoiseAndGrowth2_MultiThread(unsigned int width, unsigned int height,
@@ -186,10 +185,10 @@ void IPL_FCCDeNoiseAndGrowth2_MultiThread(unsigned int width, unsigned int heigh
                                           unsigned int maskStride, unsigned char* mask,
                                           unsigned int threshold) {
     if (!HasPixels(width, height, guide, mask) || !tq::BandsAreFinished()) return;
-    tq::RepeatedTasks<CZFCCDeNoiseEx2_Task> bands;
+    tq::TaskSet<CZFCCDeNoiseEx2_Task> bands;
     tq::DenoiseZeroBands(bands, static_cast<int>(width), static_cast<int>(height), maskStride, mask,
                          threshold);
-    tq::RepeatedTasks<CZSeedGrowth_Task> growths;
+    tq::TaskSet<CZSeedGrowth_Task> growths;
     for (int i = 0; i < bands.Count(); ++i) {
         bands.At(i).m_nMode = 1;
         Prepare(growths.Add(), {width, height, guideStride, guide, maskStride, mask},

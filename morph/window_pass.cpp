@@ -7,7 +7,7 @@
 #include <cstring>
 
 #include "frame/isa.h"
-#include "morph/scratch_bytes.h"
+#include "frame/scratch.h"
 
 namespace {
 
@@ -91,7 +91,7 @@ private:
     const ptrdiff_t m_windowColumns;
     const ptrdiff_t m_words;
     const ptrdiff_t m_packedWords;
-    tq::ScratchBytes m_memory;
+    tq::Scratch m_memory;
     uint64_t* const m_block;   // m_windowRows rows
     uint64_t* const m_begun;   // of the block that is being loaded
     uint64_t* const m_packed;  // a source row before it is spread; 0 around its pixels

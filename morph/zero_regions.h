@@ -28,7 +28,7 @@ void CollectSeeds(RunVector& runs, const unsigned char* image, unsigned int stri
 
 // Makes the tasks, and labels and denoises a mask with them. Their runs then serve to collect
 // seeds.
-void DenoiseZeroBands(RepeatedTasks<CZFCCDeNoiseEx2_Task>& tasks, int width, int height,
+void DenoiseZeroBands(TaskSet<CZFCCDeNoiseEx2_Task>& tasks, int width, int height,
                       unsigned int stride, unsigned char* mask, unsigned int threshold);
 
 }  // namespace tq

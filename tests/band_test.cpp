@@ -102,6 +102,28 @@ TEST_F(Bands, OnlySomeFormsRunPlainAtOneProcessor) {
     for (const tq::BandRule& rule : kAllRules) EXPECT_FALSE(tq::RunsPlain(rule));
 }
 
+TEST(Stripes, AreEqualButForTheLastOneWhichTakesTheRest) {
+    const auto lengths = [](unsigned int whole, unsigned int parts) {
+        const tq::Stripes stripes(whole, parts);
+        std::vector<unsigned int> result;
+        unsigned int first = 0;
+        for (unsigned int i = 0; i < stripes.count; ++i) {
+            EXPECT_EQ(stripes.First(i), first);
+            result.push_back(stripes.Length(i));
+            first += result.back();
+        }
+        return result;
+    };
+    using Lengths = std::vector<unsigned int>;
+    EXPECT_EQ(lengths(12, 3), (Lengths{4, 4, 4}));
+    EXPECT_EQ(lengths(14, 3), (Lengths{4, 4, 6}));
+    EXPECT_EQ(lengths(3, 3), (Lengths{1, 1, 1}));
+    EXPECT_EQ(lengths(2, 3), Lengths{2});
+    EXPECT_EQ(lengths(0, 3), Lengths{0});
+    EXPECT_EQ(lengths(7, 1), Lengths{7});
+    EXPECT_EQ(lengths(0xFFFFFFFF, 2), (Lengths{0x7FFFFFFF, 0x80000000}));
+}
+
 TEST(AfterRows, MovesByRowsTimesStride) {
     unsigned char bytes[64];
     EXPECT_EQ(tq::AfterRows(bytes, 3, 10), bytes + 30);

@@ -50,7 +50,7 @@ Image Filtered(int width, int height, Image src, int radius, int sigma) {
     Image dst(src.size(), 99);
     IPL_BilteralExMutiThread_8u_C1R(width, height, width, src.data(), width, dst.data(), radius,
                                     sigma);
-    dst.resize(width * tqref::DefinedRows(width, height, radius));
+    dst.resize(width * tqref::DefinedRows(height, radius));
     return dst;
 }
 
@@ -72,6 +72,15 @@ TEST(BilateralMultiThread, TheTopMarginIsReflected) {
     // 127.4.
     EXPECT_EQ(Filtered(2, 5, {100, 100, 200, 200, 150, 150, 120, 120, 60, 60}, 2, kFlatSigma),
               (Image{127, 127}));
+}
+
+TEST(BilateralMultiThread, WithARadiusAboveTheWidthTheMarginsGoOnWithTheirLastColumn) {
+    // Radius 3: weights 15, 7, 4, 2. The padded row is 100 200 200 | 100 200 | 200 100 100.
+    // (2 * 200 + 4 * 400 + 7 * 400 + 15 * 100) / 41 = 153.7 and (2 * 300 + 4 * 300 + 7 * 300 +
+    // 15 * 200) / 41 = 168.3.
+    Image src;
+    for (int y = 0; y < 8; ++y) src.insert(src.end(), {100, 200});
+    EXPECT_EQ(Filtered(2, 8, src, 3, kFlatSigma), (Image{154, 168, 154, 168}));
 }
 
 TEST(BilateralMultiThread, UniformImagesAreKeptWithinVideoRange) {
@@ -97,7 +106,7 @@ TEST(BilateralMultiThread, TheEdgesAreOthersThanThoseOfThePlainForm) {
 // Calls change(pixel) for the pixels that depend on unwritten memory.
 template <class Change>
 void ForEachOpenPixel(int width, int height, int stride, uint8_t* dst, int radius, Change change) {
-    for (int y = tqref::DefinedRows(width, height, radius); y < height; ++y)
+    for (int y = tqref::DefinedRows(height, radius); y < height; ++y)
         for (int x = 0; x < width; ++x) change(dst[int64_t{y} * stride + x]);
 }
 
@@ -219,7 +228,7 @@ TEST(BilateralMultiThread, EqualsTheReferenceForLargeRadii) {
         Image src = tqtest::ContrastNoise(width * height, radius), expected(src.size());
         tqref::Bytes from(src.data()), to(expected.data());
         tqref::BilateralExMultiThread(width, height, width, from, width, to, radius, sigma, 0);
-        expected.resize(width * tqref::DefinedRows(width, height, radius));
+        expected.resize(width * tqref::DefinedRows(height, radius));
         EXPECT_FALSE(expected.empty());
         for (tq::IsaLevel level : tqtest::RunnableIsaLevels()) {
             settings.Use(level);
@@ -311,21 +320,21 @@ TEST(BilateralTasks, FieldsStandInOrder) {
     ExpectFieldsInOrder<CDoBilateralFilterVTask, int, unsigned char>();
 }
 
+// The sizes of the destination follow from those of the source, and are not read.
 template <class Task, class Src, class Dst>
 int RunTask(const CZFilterTables& tables, int srcWidth, int srcHeight, int srcStride, Src* src,
-            int dstWidth, int dstHeight, int dstStride, Dst* dst) {
+            int columns, int dstStride, Dst* dst) {
     auto task = std::make_unique<Task>();
     task->m_nSrcWidth = srcWidth;
     task->m_nSrcHeight = srcHeight;
     task->m_nSrcStride = srcStride;
     task->m_pSrc = src;
-    task->m_nDstWidth = dstWidth;
-    task->m_nDstHeight = dstHeight;
+    task->m_nDstWidth = task->m_nDstHeight = -1;
     task->m_nDstStride = dstStride;
     task->m_pDst = dst;
     task->m_pTables = &tables;
     std::vector<unsigned char> scratch(
-        Task::ScratchBytes(std::max(dstWidth, 0), tables.m_nRadius1D));
+        Task::ScratchBytes(std::max(columns, 0), tables.m_nRadius1D));
     task->m_pScratch = scratch.data();
     const std::unique_ptr<CTQIPLTaskBase> base = std::move(task);
     return base->Run();
@@ -353,7 +362,7 @@ TEST(BilateralTasks, TheHorizontalTaskFiltersRowsOfAPaddedImage) {
                     }
                 EXPECT_EQ(
                     RunTask<CDoBilateralFilterHTask>(tables, padded, height, srcStride, src.data(),
-                                                     width, height, dstStride, dst.data()),
+                                                     width, dstStride, dst.data()),
                     1);
                 EXPECT_EQ(dst, expected) << radius << ", " << width;
             }
@@ -382,7 +391,7 @@ TEST(BilateralTasks, TheVerticalTaskFiltersColumnsOfNumbers) {
                     }
                 EXPECT_EQ(
                     RunTask<CDoBilateralFilterVTask>(tables, width, padded, srcStride, src.data(),
-                                                     width, height, dstStride, dst.data()),
+                                                     width, dstStride, dst.data()),
                     1);
                 EXPECT_EQ(dst, expected) << radius << ", " << width;
             }
@@ -395,14 +404,14 @@ TEST(BilateralTasks, ABandWithoutRowsOrColumnsWritesNothing) {
     const std::vector<int> numbersBefore = numbers;
     const Image bytesBefore = bytes;
     for (int rows : {0, -1}) {
-        EXPECT_EQ(RunTask<CDoBilateralFilterHTask>(tables, 8, rows, 8, bytes.data(), 4, rows, 8,
+        EXPECT_EQ(RunTask<CDoBilateralFilterHTask>(tables, 8, rows, 8, bytes.data(), 4, 8,
                                                    numbers.data()),
                   1);
         EXPECT_EQ(numbers, numbersBefore);
     }
     for (int columns : {0, -1}) {
         EXPECT_EQ(RunTask<CDoBilateralFilterVTask>(tables, columns, 8, 8, numbers.data(), columns,
-                                                   4, 8, bytes.data()),
+                                                   8, bytes.data()),
                   1);
         EXPECT_EQ(bytes, bytesBefore);
     }

@@ -93,6 +93,15 @@ TEST(BilateralSeparable, BehindTheLastStrideByteNothingTakesPart) {
               (Image{117, 132, 105, 116, 137, 168, 110, 111}));
 }
 
+TEST(BilateralSeparable, WithANegativeStrideTheRowAboveFollowsInMemory) {
+    // The image of the test before, upside down: row 0 is the last one in memory.
+    Image memory = {100, 100, 100, 100, 200, 100, 100, 100}, dst(8);
+    tqtest::GuardedBuffer src(memory.size());
+    std::copy(memory.begin(), memory.end(), src.data());
+    IPL_BilteralEx_8u_C1R(4, 2, -4, src.data() + 4, 4, dst.data(), 3, kFlatSigma);
+    EXPECT_EQ(dst, (Image{137, 168, 110, 111, 117, 132, 105, 116}));
+}
+
 TEST(BilateralSeparable, AnEmptyWindowGivesZero) {
     // Radius = width: column 0 has no window.
     EXPECT_EQ(Filtered(1, 3, 1, {100, 150, 200}, 1, 10), (Image{16, 16, 16}));
@@ -131,14 +140,14 @@ TEST(BilateralSeparable, EqualsTheReferenceWithRadiiAboveTheImage) {
                         << pair << ", radius " << radius;
 }
 
-TEST(BilateralSeparable, RowsFromTheBottomUpEqualTheReferenceWhereNothingBeyondThemIsRead) {
+TEST(BilateralSeparable, RowsFromTheBottomUpEqualTheReference) {
     BlockStage stage(2, 1024, 3);
     for (int width : {1, 4, 9, 21})
         for (int height : {1, 3, 6})
             for (const PlanePair& pair : {PlanePair{width, height, -width - 5, width + 3},
                                           PlanePair{width, height, width + 1, -width - 2},
                                           PlanePair{width, height, -width, -width}})
-                for (int radius : {1, 2})
+                for (int radius : {1, 2, 3, 4, 6, 9, 40})
                     ASSERT_TRUE(FilterEqualsReference(stage, pair, tqref::BilateralEx, kSeparable,
                                                       radius, 60))
                         << pair << ", radius " << radius;

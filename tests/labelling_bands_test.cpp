@@ -234,6 +234,16 @@ std::vector<FCC_RUN*> RunsOf(tq::RunVector& runs) {
 // ---- Tasks ----------------------------------------------------------------------------------
 
 static_assert(std::is_base_of_v<CTQIPLTaskBase, CZFCCLabeing_Task>);
+static_assert(std::is_same_v<decltype(CZFCCLabeing_Task::m_bLabel), int>);
+static_assert(std::is_same_v<decltype(CZFCCLabeing_Task::m_nWidth), int>);
+static_assert(std::is_same_v<decltype(CZFCCLabeing_Task::m_nFirstRow), int>);
+static_assert(std::is_same_v<decltype(CZFCCLabeing_Task::m_nEndRow), int>);
+static_assert(std::is_same_v<decltype(CZFCCLabeing_Task::m_nStride), int>);
+static_assert(std::is_same_v<decltype(CZFCCLabeing_Task::m_pBand), unsigned char*>);
+static_assert(std::is_same_v<decltype(CZFCCLabeing_Task::m_rects), CTQArray<TQ_RECT, TQ_RECT&>>);
+static_assert(std::is_same_v<decltype(CZFCCLabeing_Task::m_nMinimumSize), int>);
+static_assert(std::is_same_v<decltype(CZFCCLabeing_Task::m_nTopCount), int>);
+static_assert(std::is_same_v<decltype(CZFCCLabeing_Task::m_nBottomCount), int>);
 
 TEST(LabelingTask, HasItsFieldsInOrder) {
     const CZFCCLabeing_Task task;

@@ -401,6 +401,23 @@ TEST(DenoiseBands, HostThreadsCleanTheirOwnMasksAtOnce) {
 static_assert(std::is_base_of_v<CTQIPLTaskBase, CZFCCDeNoiseEx_Task> &&
               std::is_base_of_v<CTQIPLTaskBase, CZFCCDeNoiseEx2_Task>);
 
+template <class Task> constexpr bool HasCommonFieldTypes() {
+    return std::is_same_v<decltype(Task::m_bLabel), int> &&
+           std::is_same_v<decltype(Task::m_nWidth), unsigned int> &&
+           std::is_same_v<decltype(Task::m_nFirstRow), unsigned int> &&
+           std::is_same_v<decltype(Task::m_nStride), unsigned int> &&
+           std::is_same_v<decltype(Task::m_nThreshold), unsigned int> &&
+           std::is_same_v<decltype(Task::m_nTopCount), int> &&
+           std::is_same_v<decltype(Task::m_nBottomCount), int>;
+}
+static_assert(HasCommonFieldTypes<CZFCCDeNoiseEx_Task>());
+static_assert(std::is_same_v<decltype(CZFCCDeNoiseEx_Task::m_nEndRow), unsigned int>);
+static_assert(std::is_same_v<decltype(CZFCCDeNoiseEx_Task::m_pBand), unsigned char*>);
+static_assert(HasCommonFieldTypes<CZFCCDeNoiseEx2_Task>());
+static_assert(std::is_same_v<decltype(CZFCCDeNoiseEx2_Task::m_nMode), int>);
+static_assert(std::is_same_v<decltype(CZFCCDeNoiseEx2_Task::m_nRows), unsigned int>);
+static_assert(std::is_same_v<decltype(CZFCCDeNoiseEx2_Task::m_pImage), unsigned char*>);
+
 template <class... Fields> bool InOrder(const Fields&... fields) {
     const void* places[] = {&fields...};
     return std::is_sorted(std::begin(places), std::end(places), std::less<>());

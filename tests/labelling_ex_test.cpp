@@ -163,6 +163,14 @@ TEST(LabellingEx, BadArgumentsEmptyTheArrayFirst) {
     }
 }
 
+TEST(LabellingEx, WithoutAnArrayNothingIsDone) {
+    Picture image(2, 2, 200), connect(2, 2, 100);
+    for (int minimum : {-1, 0, 100})
+        IPL_FCCLabelingEx(2, 2, 2, image.pixels.data(), connect.pixels.data(), nullptr, minimum);
+    EXPECT_EQ(image, Picture(2, 2, 200));
+    EXPECT_EQ(connect, Picture(2, 2, 100));
+}
+
 TEST(LabellingEx, EqualsTheReference) {
     uint32_t seed = 0;
     for (auto [width, height] : {std::pair{1, 1}, {5, 4}, {16, 12}, {40, 30}})

@@ -227,6 +227,18 @@ TEST(Labelling, BadArgumentsEmptyTheArrayFirst) {
             }
 }
 
+TEST(Labelling, WithoutAnArrayTheMaskStays) {
+    Settings settings;
+    for (unsigned processors : {1u, 2u, 16u})
+        for (const LabelForm& form : kLabelForms)
+            for (int minimum : {0, 4, 100}) {
+                settings.UseProcessors(processors);
+                Picture picture(4, 3, 200);
+                form.function(4, 3, 4, picture.pixels.data(), nullptr, minimum);
+                EXPECT_EQ(picture, Picture(4, 3, 200)) << form.name << ", minimum " << minimum;
+            }
+}
+
 TEST(Labelling, TheStrideOfASingleRowDoesNotCount) {
     Settings settings;
     for (unsigned processors : {2u, 5u})

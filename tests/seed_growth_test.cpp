@@ -470,6 +470,15 @@ TEST(GuidedForms, ManyRegionsAreConfirmedSoon) {
 // ---- Tasks ----------------------------------------------------------------------------------
 
 static_assert(std::is_base_of_v<CTQIPLTaskBase, CZSeedGrowth_Task>);
+static_assert(std::is_same_v<decltype(CZSeedGrowth_Task::m_nWidth), int>);
+static_assert(std::is_same_v<decltype(CZSeedGrowth_Task::m_nHeight), int>);
+static_assert(std::is_same_v<decltype(CZSeedGrowth_Task::m_nGuideStride), unsigned int>);
+static_assert(std::is_same_v<decltype(CZSeedGrowth_Task::m_pGuide), unsigned char*>);
+static_assert(std::is_same_v<decltype(CZSeedGrowth_Task::m_nMaskStride), unsigned int>);
+static_assert(std::is_same_v<decltype(CZSeedGrowth_Task::m_pMask), unsigned char*>);
+static_assert(std::is_same_v<decltype(CZSeedGrowth_Task::m_pSeeds), std::vector<tq::Seed>*>);
+static_assert(sizeof(tq::Seed) == 8 && std::is_same_v<decltype(tq::Seed::x), int> &&
+              std::is_same_v<decltype(tq::Seed::y), int>);
 
 std::vector<std::pair<int, int>> SeedsOf(const CZFCCDeNoiseEx2_Task& task) {
     std::vector<std::pair<int, int>> seeds;

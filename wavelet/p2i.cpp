@@ -9,7 +9,6 @@
 #include "wavelet/mirror.h"
 #include "wavelet/p2i_kernels.h"
 #include "wavelet/p2i_tasks.h"
-#include "wavelet/stripes.h"
 
 namespace {
 

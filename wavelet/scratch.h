@@ -1,44 +1,34 @@
 #pragma once
 
-#include <tqipl/buffer.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <functional>
-#include <new>
+
+#include "frame/scratch.h"
 
 namespace tq {
 
-// The most that the memory manager hands out, and sizes as it takes them.
-inline constexpr uint64_t kMostScratch = 0x7FD00000;
-
-inline int ScratchSize(uint64_t bytes) {
-    if (bytes > kMostScratch) throw std::bad_alloc();
-    return static_cast<int>(bytes);
-}
-
-// `count` lines of `bytes` bytes of the shared manager. Each line is aligned, and as much as a
-// vector may be read and written in front of it and behind it.
+// `count` lines of `bytes` bytes. Each line is aligned, and as much as a vector may be read and
+// written in front of it and behind it.
 class ScratchLines {
 public:
-    ScratchLines(uint64_t count, uint64_t bytes)
+    ScratchLines(int64_t count, int64_t bytes)
         : m_stride(static_cast<ptrdiff_t>(Stride(bytes))),
-          m_memory(ScratchSize(count * Stride(bytes) + kMargin), nullptr) {}
+          m_memory(count * Stride(bytes) + kMargin) {}
 
     template <class T> T* Line(ptrdiff_t i) {
         return reinterpret_cast<T*>(m_memory.Data() + kMargin + i * m_stride);
     }
 
 private:
-    static constexpr uint64_t kMargin = 64;
-    static uint64_t Stride(uint64_t bytes) {
-        if (bytes > kMostScratch) throw std::bad_alloc();
+    static constexpr int64_t kMargin = 64;
+    static int64_t Stride(int64_t bytes) {
         return (bytes + kMargin - 1) / kMargin * kMargin + kMargin;
     }
 
     ptrdiff_t m_stride;
-    CTQIPLMemoryAuto m_memory;
+    Scratch m_memory;
 };
 
 // Rows of an image in memory.
@@ -64,10 +54,12 @@ inline bool Overlap(const RowBlock& a, const RowBlock& b) {
 // An image to read while another is written: where they overlap, a copy.
 class StableSource {
 public:
-    StableSource(const RowBlock& src, const RowBlock& dst) : m_block(src) {
-        if (!Overlap(src, dst)) return;
-        if (src.rowBytes > kMostScratch / src.rows) throw std::bad_alloc();
-        CTQIPLMemoryAuto(ScratchSize(src.rowBytes * src.rows), nullptr).Transfer(m_copy);
+    StableSource(const RowBlock& src, const RowBlock& dst)
+        : m_block(src),
+          m_copy(Overlap(src, dst)
+                     ? Scratch(static_cast<int64_t>(src.rows), static_cast<int64_t>(src.rowBytes))
+                     : Scratch()) {
+        if (m_copy.Data() == nullptr) return;
         for (size_t y = 0; y < src.rows; ++y)
             std::memcpy(m_copy.Data() + y * src.rowBytes,
                         src.first + static_cast<ptrdiff_t>(y) * src.stride, src.rowBytes);
@@ -78,7 +70,7 @@ public:
 
 private:
     RowBlock m_block;
-    CTQIPLMemoryAuto m_copy;
+    Scratch m_copy;
 };
 
 }  // namespace tq

@@ -31,7 +31,7 @@ void CZDWT53::ForwardImage(int width, int height, int srcStride, const unsigned 
     const ptrdiff_t pairs = width >> 1, rowPairs = height >> 1;
     const auto row = [&](ptrdiff_t y) { return src + y * srcStride; };
     const auto result = [&](ptrdiff_t y) { return dst + y * dstStride; };
-    tq::ScratchLines lines(4, sizeof(int16_t) * static_cast<uint64_t>(pairs));
+    tq::ScratchLines lines(4, int64_t{sizeof(int16_t)} * pairs);
     const tq::SplitLine low = SplitLineAt(lines, 0), high = SplitLineAt(lines, 1);
 
     for (ptrdiff_t k = 0; k < rowPairs; ++k) {
@@ -58,7 +58,7 @@ void CZDWT53::InverseImage(int width, int height, int srcStride, const int* src,
          static_cast<ptrdiff_t>(sizeof(int)) * srcStride, sizeof(int) * places, rows},
         {dst, dstStride, places, rows});
     const auto row = [&](ptrdiff_t y) { return reinterpret_cast<const int*>(source.Row(y)); };
-    tq::ScratchLines lines(4, sizeof(int) * static_cast<uint64_t>(pairs));
+    tq::ScratchLines lines(4, int64_t{sizeof(int)} * pairs);
     int* const evenLow = lines.Line<int>(0);
     int* const evenHigh = lines.Line<int>(1);
     int* const oddLow = lines.Line<int>(2);
@@ -93,7 +93,7 @@ void IPL_WaveletFilter_53_C1(unsigned int width, unsigned int height, unsigned i
     if (width < 4 || height < 5) return;
     const tq::Wavelet53Kernels& kernels = tq::SelectKernels(kKernels);
     const auto row = [&](ptrdiff_t y) { return image + y * static_cast<ptrdiff_t>(stride); };
-    tq::ScratchLines memory(2 * kRingLines, sizeof(int16_t) * ((uint64_t{width} + 1) / 2));
+    tq::ScratchLines memory(2 * kRingLines, int64_t{sizeof(int16_t)} * ((int64_t{width} + 1) / 2));
     tq::SplitLine ring[kRingLines];
     for (ptrdiff_t i = 0; i < kRingLines; ++i) ring[i] = SplitLineAt(memory, i);
 

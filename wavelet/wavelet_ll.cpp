@@ -7,7 +7,6 @@
 #include "frame/band.h"
 #include "wavelet/mirror.h"
 #include "wavelet/scratch.h"
-#include "wavelet/stripes.h"
 #include "wavelet/wavelet_ll_kernels.h"
 #include "wavelet/wavelet_ll_tasks.h"
 
@@ -52,7 +51,7 @@ public:
         : m_form(form),
           m_width(width),
           m_source(source),
-          m_lines(kRows, static_cast<uint64_t>((width >> 1) * form.valueBytes)) {}
+          m_lines(kRows, int64_t{width >> 1} * form.valueBytes) {}
 
     const void* Row(ptrdiff_t y) {
         for (; m_made <= y; ++m_made) m_form.rowPass(m_source.Row(m_made), m_width, Line(m_made));
@@ -92,15 +91,11 @@ constexpr Passes kBytePasses = {1, 2}, kWordPasses = {3, 4};
 // setLimits gives a column task its limits.
 template <class SetLimits>
 void MakeMultiThread(const tq::LowBandForm& form, Passes passes, const Images& images,
-                     Limits limits, SetLimits setLimits) {
+                     SetLimits setLimits) {
     if (!images.HasLowBand()) return;
     const size_t columns = images.width >> 1;
     const size_t rowBytes = columns * static_cast<size_t>(form.valueBytes);
-    if (images.height > tq::kMostScratch / rowBytes) {  // too large to be held at once
-        MakeLowBand(form, images, limits);
-        return;
-    }
-    CTQIPLMemoryAuto memory(tq::ScratchSize(rowBytes * images.height), nullptr);
+    const tq::Scratch memory(images.height, static_cast<int64_t>(rowBytes));
     unsigned char* const values = memory.Data();
 
     const tq::Stripes bands(images.height, g_IPLProcessorCount);
@@ -176,7 +171,7 @@ void IPL_WaveletLL_53_C1_MultiThread(unsigned int width, unsigned int height,
                                      unsigned int dstStride, unsigned char* dst, unsigned char low,
                                      unsigned char high) {
     MakeMultiThread(Bytes(), kBytePasses, {width, height, srcStride, src, dstStride, dst},
-                    {low, high}, [=](CZDWT53_LL& task) {
+                    [=](CZDWT53_LL& task) {
                         task.m_nLow8 = low;
                         task.m_nHigh8 = high;
                     });
@@ -193,7 +188,7 @@ void IPL_WaveletLL_53_C1_16u_MultiThread(unsigned int width, unsigned int height
                                          unsigned int dstStride, unsigned char* dst,
                                          unsigned short low, unsigned short high) {
     MakeMultiThread(Words(), kWordPasses, {width, height, srcStride, src, dstStride, dst},
-                    {low, high}, [=](CZDWT53_LL& task) {
+                    [=](CZDWT53_LL& task) {
                         task.m_nLow16 = low;
                         task.m_nHigh16 = high;
                     });

@@ -4,9 +4,10 @@
 
 // Erosion and dilation of masks with a rectangle of 2 * radiusY + 1 rows by 2 * radiusX + 1 columns
 // around each pixel, and what is put together from the two. A mask has one byte a pixel; results
-// are 0 or 255. Strides are in bytes and signed; nothing behind a row's width is touched. A width
-// or height below 1 does nothing. Pointers are not checked. Throws std::bad_alloc when memory is
-// exhausted.
+// are 0 or 255. Strides are in bytes and signed; nothing behind a row's width is touched. Rows must
+// not overlap in memory. A width or height below 1 does nothing. Pointers are not checked. If
+// memory runs out std::bad_alloc leaves, with nothing leaked; the image may then be changed in
+// part.
 //
 // There are two families with rules of their own:
 //                            IPL_Erosion and its like          IPL_FErosion and its like
@@ -57,13 +58,13 @@ TQIPL_API void IPL_DeNoise_MultiThread(int width, int height, int stride, unsign
 // 0.
 //
 // The MultiThread forms cut the image in as many bands as there are processors, each of
-// height / processors rows, with the rest in the last. They give the bytes of the plain forms as
-// long as each band has more than radiusY rows. Otherwise the windows of each band but the last,
-// whose first row is `first`, leave out the rows behind the band up to and including
-// first + radiusY: kept on purpose. With fewer rows than processors the last band is the image, and
-// the bytes are those of the plain forms again.
+// height / processors rows, with the rest in the last. They give the bytes of the plain forms with
+// one processor, with more processors than rows, and wherever each band has more than radiusY rows.
+// A band of radiusY rows or fewer, other than the last, leaves out of its windows the rows behind
+// it up to and including first + radiusY, where first is the band's first row: kept on purpose.
 //
-// With two images src is not changed, and dst must not overlap it.
+// With two images src is not changed, unless dst is the same image (the same first byte and
+// stride), which is then worked on in place. dst must not overlap src in any other way.
 TQIPL_API void IPL_FErosion(int width, int height, int stride, unsigned char* image, int radiusY,
                             int radiusX);
 TQIPL_API void IPL_FErosion_MultiThread(int width, int height, int stride, unsigned char* image,
@@ -81,8 +82,8 @@ TQIPL_API void IPL_FDilation_MultiThread(int width, int height, int srcStride, u
 
 // IPL_FOpening is IPL_FErosion with the first radii, then IPL_FDilation with the second;
 // IPL_FClosing is IPL_FDilation with the first, then IPL_FErosion with the second. In the
-// MultiThread forms each step follows the rule on bands above with its own radiusY. With two images
-// src is not changed, unless dst is the same image.
+// MultiThread forms each step follows the rule on bands above with its own radiusY, and two images
+// the rule above on theirs.
 TQIPL_API void IPL_FOpening(int width, int height, int stride, unsigned char* image, int radiusY1,
                             int radiusX1, int radiusY2, int radiusX2);
 TQIPL_API void IPL_FOpening_MultiThread(int width, int height, int stride, unsigned char* image,

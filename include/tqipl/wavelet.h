@@ -8,8 +8,8 @@
 // Widths and heights count pixels of one channel unless it says otherwise. All routines use
 // integers only; sums wrap in 32 bits. 16-bit images are passed as bytes, their samples in the
 // processor's order and of any alignment. No byte outside the images is read or written. Pointers
-// are checked only where it is said. Scratch memory comes from the shared manager: std::bad_alloc
-// may leave any routine.
+// are checked only where it is said. Scratch memory comes from the shared manager, or from the heap
+// if it is more than that gives: std::bad_alloc may leave any routine.
 
 // One level of the transform of bytes to ints, low half before high half in each direction: low
 // band at rows 0 to height / 2 - 1 and columns 0 to width / 2 - 1, high bands behind and below. A
@@ -33,8 +33,8 @@ TQIPL_API void IPL_InvWavelet_53_C1(int width, int height, int srcStride, int* s
 
 // The low-pass taps in both directions at full size, in place, lines mirrored at their ends.
 // Results below 16 become 0, not 16, and those above 235 become 235: kept on purpose. The first two
-// and the last two rows stay as they are, unfiltered. The stride is in bytes. A width below 4 or a
-// height below 5 does nothing.
+// and the last two rows stay as they are, unfiltered. The stride is in bytes; rows must not
+// overlap. A width below 4 or a height below 5 does nothing.
 TQIPL_API void IPL_WaveletFilter_53_C1(unsigned int width, unsigned int height, unsigned int stride,
                                        unsigned char* image);
 

@@ -154,7 +154,8 @@ inline bool ReadsBeyondRows(int width, int radius) {
     return false;
 }
 
-// For positive radii. The image's memory is height * srcStride bytes; taps beyond have no weight.
+// For positive radii. The image's memory is height rows of |srcStride| bytes; taps beyond have no
+// weight.
 inline void BilateralEx(int width, int height, int srcStride, Bytes& src, int dstStride, Bytes& dst,
                         int radius, int sigma) {
     if (width == 0 || height == 0 || srcStride == 0 || dstStride == 0) return;
@@ -162,7 +163,8 @@ inline void BilateralEx(int width, int height, int srcStride, Bytes& src, int ds
     if (width < 0 || height < 0) return;
     Mean1D mean(radius, sigma);
     Numbers across(width, height);
-    const int64_t memory = int64_t{height} * srcStride;
+    // Its end, from the first row: with a negative stride that row is the last one.
+    const int64_t memory = srcStride > 0 ? int64_t{height} * srcStride : -int64_t{srcStride};
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x) {
             const int64_t centre = int64_t{y} * srcStride + x;
@@ -172,7 +174,7 @@ inline void BilateralEx(int width, int height, int srcStride, Bytes& src, int ds
             across(x, y) = mean.Result();
         }
     // All of its memory may be read by whoever reads beyond a row.
-    if (ReadsBeyondRows(width, radius) && memory > 0) static_cast<void>(src[memory - 1]);
+    if (ReadsBeyondRows(width, radius)) static_cast<void>(src[memory - 1]);
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x) {
             mean.Start(across(x, y));
@@ -182,19 +184,15 @@ inline void BilateralEx(int width, int height, int srcStride, Bytes& src, int ds
         }
 }
 
-// The rows of the MultiThread form whose windows hold no unwritten row. A radius above the width
-// has margins of pixels that nothing writes.
-inline int DefinedRows(int width, int height, int radius) {
-    if (radius > width) return 0;
-    return std::max(0, height - 2 * radius);
-}
+// The rows of the MultiThread form whose windows hold no unwritten row.
+inline int DefinedRows(int height, int radius) { return std::max(0, height - 2 * radius); }
 
 // The image's column that stands in a column of the padded image: shifted on the left side,
-// reflected on the right side.
+// reflected on the right side, and what ends either side goes on where the image is too narrow.
 inline int PaddedColumn(int column, int width, int radius) {
-    if (column < radius) return column;
+    if (column < radius) return std::min(column, width - 1);
     if (column < radius + width) return column - radius;
-    return width - 1 - (column - radius - width);
+    return std::max(width - 1 - (column - radius - width), 0);
 }
 
 // Reflected on both sides.
@@ -211,7 +209,7 @@ inline void BilateralExMultiThread(int width, int height, int srcStride, Bytes& 
     if (radius < 1 || sigma < 1) return;
     Mean1D mean(radius, sigma);
     Numbers image(width, height, srcStride, src);
-    const int definedRows = DefinedRows(width, height, radius);
+    const int definedRows = DefinedRows(height, radius);
     Numbers across(width, height);
     for (int row = 0; row < height && definedRows > 0; ++row)
         for (int x = 0; x < width; ++x) {

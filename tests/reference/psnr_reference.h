@@ -19,7 +19,8 @@ public:
     }
     float Psnr(float count) const {
         const float rootOfMean = std::sqrt(m_sum / count);
-        return 10.0f * std::log10(65025.0f / (rootOfMean + 0.0000001f));
+        const float quotient = 65025.0f / (rootOfMean + 0.0000001f);
+        return 10.0f * static_cast<float>(std::log10(static_cast<double>(quotient)));
     }
     float Sum() const { return m_sum; }
 
