@@ -6,6 +6,7 @@
 #include "frame/platform.h"
 #include "frame/tables.h"
 #include "frame/thread_pool.h"
+#include "zoom/weights.h"
 
 unsigned int g_IPLProcessorCount = 1;
 
@@ -20,3 +21,4 @@ CTQIPLBaseLibInit::~CTQIPLBaseLibInit() {}
 
 CTQIPLBaseLibInit g_IPLBaseLibInit;
 CTQIPLThreadPoolRedner g_IPLThreadPool;
+CZ6CubicTablePool g_IPL6CubicTablePool;

@@ -1,8 +1,9 @@
 #pragma once
 
 // The module's process-wide objects. module.cpp defines them in one file, so that they come in
-// this order at load and go in reverse at unload: start-up record, global pool. The shared memory
-// manager comes at its first use and goes before them.
+// this order at load and go in reverse at unload: start-up record, global pool, and the pool of
+// six-tap tables, which zoom/weights.h declares. The shared memory manager comes at its first use
+// and goes before them.
 
 class CTQIPLThreadPoolRedner;
 

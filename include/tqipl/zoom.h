@@ -3,14 +3,16 @@
 #include <tqipl/export.h>
 
 // Scaling of 8-bit images from srcWidth x srcHeight to dstWidth x dstHeight pixels. The C1R forms
-// take one byte a pixel, the C4R forms four, which are scaled alike. Strides are in bytes. Source
-// and destination must not overlap.
+// take one byte a pixel, the C4R forms four, which are scaled alike; where a method weighs by
+// luminance, the four are B, G, R, A. Strides are in bytes and may be negative. Source and
+// destination must not overlap.
 //
 // All methods but nearest neighbour begin alike. A null pointer does nothing. Equal sizes are
 // copied. If the source has a width or height below 1, the destination is set to zero bytes, alpha
 // included; a destination width or height below 1 writes nothing.
 //
-// Each MultiThread form gives the bytes of its plain form, at any number of processors.
+// Each MultiThread form gives the bytes of its plain form, at any number of processors, but for
+// the cubic, super and TFI forms that say otherwise.
 
 // Nearest neighbour: the pixel at the truncated position index * src / dst. A null pointer does
 // nothing. A source width or height of 0 takes the first column or row all the same, and a negative
@@ -32,5 +34,40 @@ TQIPL_API void IPL_ZoomLinear_8u_C4R(int srcWidth, int srcHeight, int srcStride,
                                      int dstWidth, int dstHeight, int dstStride,
                                      unsigned char* dst);
 TQIPL_API void IPL_ZoomLinearMultiThread_8u_C4R(int srcWidth, int srcHeight, int srcStride,
+                                                unsigned char* src, int dstWidth, int dstHeight,
+                                                int dstStride, unsigned char* dst);
+
+// Cubic: four taps an axis, in 1024ths, first along the rows and then, unrounded, along the
+// columns; pixel centres aligned. Taps outside the image are left out and the others weigh more.
+// Results are rounded to nearest and held in 0 to 255. Enlarging and reducing alike: a strong
+// reduction skips pixels.
+//
+// IPL_ZoomCubic_8u_C1R with equal widths steps down the source by dstWidth bytes, whatever
+// srcStride is: right for rows without padding only. The other three forms honour srcStride there,
+// so that the MultiThread form differs from the plain one for such calls.
+TQIPL_API void IPL_ZoomCubic_8u_C1R(int srcWidth, int srcHeight, int srcStride, unsigned char* src,
+                                    int dstWidth, int dstHeight, int dstStride, unsigned char* dst);
+TQIPL_API void IPL_ZoomCubicMultiThread_8u_C1R(int srcWidth, int srcHeight, int srcStride,
+                                               unsigned char* src, int dstWidth, int dstHeight,
+                                               int dstStride, unsigned char* dst);
+TQIPL_API void IPL_ZoomCubic_8u_C4R(int srcWidth, int srcHeight, int srcStride, unsigned char* src,
+                                    int dstWidth, int dstHeight, int dstStride, unsigned char* dst);
+TQIPL_API void IPL_ZoomCubicMultiThread_8u_C4R(int srcWidth, int srcHeight, int srcStride,
+                                               unsigned char* src, int dstWidth, int dstHeight,
+                                               int dstStride, unsigned char* dst);
+
+// Six-tap cubic: as IPL_ZoomCubic with all six taps of the kernel, and every form honours
+// srcStride. The weights of a pair of lengths are made once in the life of the process, and the
+// latest three hundred or so are kept.
+TQIPL_API void IPL_Zoom6Cubic_8u_C1R(int srcWidth, int srcHeight, int srcStride, unsigned char* src,
+                                     int dstWidth, int dstHeight, int dstStride,
+                                     unsigned char* dst);
+TQIPL_API void IPL_Zoom6CubicMultiThread_8u_C1R(int srcWidth, int srcHeight, int srcStride,
+                                                unsigned char* src, int dstWidth, int dstHeight,
+                                                int dstStride, unsigned char* dst);
+TQIPL_API void IPL_Zoom6Cubic_8u_C4R(int srcWidth, int srcHeight, int srcStride, unsigned char* src,
+                                     int dstWidth, int dstHeight, int dstStride,
+                                     unsigned char* dst);
+TQIPL_API void IPL_Zoom6CubicMultiThread_8u_C4R(int srcWidth, int srcHeight, int srcStride,
                                                 unsigned char* src, int dstWidth, int dstHeight,
                                                 int dstStride, unsigned char* dst);

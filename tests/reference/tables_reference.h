@@ -85,7 +85,7 @@ inline float SoftWeightEntry(int d) {
     return static_cast<float>(weight);
 }
 
-inline float SixTapKernel(float t) {
+inline float FiveTapKernel(float t) {
     if (t < 1.0f) {
         const float eleven = t * 11.0f;
         const float square = eleven * t;
@@ -126,11 +126,11 @@ inline float SixTapKernel(float t) {
 inline void FiveTapRow(int r, int (&taps)[5]) {
     const float odd = static_cast<float>(2 * r + 1);
     const float t = odd * 0.001953125f;
-    const float a = SixTapKernel(t + 2.0f);
-    const float b = SixTapKernel(t + 1.0f);
-    const float c = SixTapKernel(t);
-    const float d = SixTapKernel(1.0f - t);
-    const float e = SixTapKernel(2.0f - t);
+    const float a = FiveTapKernel(t + 2.0f);
+    const float b = FiveTapKernel(t + 1.0f);
+    const float c = FiveTapKernel(t);
+    const float d = FiveTapKernel(1.0f - t);
+    const float e = FiveTapKernel(2.0f - t);
     float sum = a + 0.0f;
     sum = sum + b;
     sum = sum + c;

@@ -4,6 +4,7 @@
 // with its reference, and the checks of what the methods do before their own steps.
 
 #include <gtest/gtest.h>
+#include <tqipl/thread.h>
 
 #include <cstdint>
 #include <cstdlib>
@@ -13,6 +14,7 @@
 #include <utility>
 #include <vector>
 
+#include "support/deadline.h"
 #include "support/guarded_buffer.h"
 #include "support/settings.h"
 
@@ -177,10 +179,16 @@ inline ::testing::AssertionResult EqualsReference(const ZoomForm& form, const Zo
 // The same for sizes, layouts and contents in turn, at every level of this machine.
 class ZoomSweep {
 public:
-    explicit ZoomSweep(const ZoomForm& form) : m_form(form) {}
+    // Whether a form can be asked for these sizes in this layout.
+    using Suits = bool (*)(const ZoomSizes&, const ZoomLayout&);
+
+    explicit ZoomSweep(const ZoomForm& form, Suits suits = nullptr)
+        : m_form(form), m_suits(suits) {}
     ::testing::AssertionResult operator()(const ZoomSizes& sizes, Content content) {
         const std::vector<ZoomLayout>& layouts = ZoomLayouts();
         ++m_count;
+        if (m_suits != nullptr)
+            while (!m_suits(sizes, layouts[m_count % layouts.size()])) ++m_count;
         return EqualsReference(m_form, sizes, layouts[m_count % layouts.size()], content, m_count,
                                m_levels);
     }
@@ -189,6 +197,21 @@ public:
             ::testing::AssertionResult result = (*this)(sizes, content);
             if (!result) return result;
         }
+        return ::testing::AssertionSuccess();
+    }
+
+    // Every pair of sizes from 1 x 1 to greatest x greatest.
+    ::testing::AssertionResult AllSizesUpTo(int greatest) {
+        for (int srcWidth = 1; srcWidth <= greatest; ++srcWidth)
+            for (int srcHeight = 1; srcHeight <= greatest; ++srcHeight)
+                for (int dstWidth = 1; dstWidth <= greatest; ++dstWidth)
+                    for (int dstHeight = 1; dstHeight <= greatest; ++dstHeight) {
+                        const Content content =
+                            (srcHeight + dstHeight) % 2 == 0 ? Content::kNoise : Content::kHostile;
+                        ::testing::AssertionResult result =
+                            (*this)({srcWidth, srcHeight, dstWidth, dstHeight}, content);
+                        if (!result) return result;
+                    }
         return ::testing::AssertionSuccess();
     }
 
@@ -214,9 +237,61 @@ public:
 
 private:
     const ZoomForm& m_form;
+    Suits m_suits;
     uint32_t m_count = 0;
     std::vector<tq::IsaLevel> m_levels = RunnableIsaLevels();
 };
+
+// Enlargement, reduction, both at once, exactly twice, just under it and just over it, halves, one
+// equal axis, sources of a few pixels, primes, strong reductions.
+inline const std::vector<ZoomSizes>& ZoomSizesOfEveryKind() {
+    static const std::vector<ZoomSizes> sizes = {
+        {20, 13, 47, 29}, {47, 29, 20, 13}, {20, 29, 47, 13}, {47, 13, 20, 29},  //
+        {20, 14, 40, 28}, {20, 14, 39, 27}, {20, 14, 41, 29}, {40, 28, 20, 14},  //
+        {39, 27, 20, 14}, {41, 29, 20, 14}, {20, 14, 40, 27}, {20, 14, 39, 28},  //
+        {21, 15, 33, 15}, {33, 15, 21, 15}, {21, 15, 21, 33}, {21, 33, 21, 15},  //
+        {20, 20, 20, 19}, {20, 20, 19, 20}, {19, 20, 20, 20}, {20, 20, 21, 21},  //
+        {1, 1, 23, 9},    {1, 7, 9, 7},     {7, 1, 7, 9},     {2, 2, 53, 3},     //
+        {3, 2, 37, 17},   {4, 3, 33, 16},   {5, 5, 31, 31},   {23, 9, 1, 1},     //
+        {13, 7, 31, 11},  {31, 11, 13, 7},  {53, 5, 97, 3},   {97, 3, 53, 5},    //
+        {200, 3, 3, 200}, {3, 200, 200, 3}, {211, 200, 3, 5}, {1000, 2, 7, 1},   //
+        {70, 3, 69, 2},   {69, 2, 70, 3},   {64, 4, 65, 5},   {129, 2, 128, 1},  //
+        {257, 1, 511, 2}, {5, 131, 3, 97},  {67, 1, 67, 6},   {67, 6, 67, 1},
+    };
+    return sizes;
+}
+
+// A form at 1 to 16 processors against its reference, in every layout that suits it.
+inline void ExpectReferenceAtEveryProcessorCount(const ZoomForm& form, const ZoomSizes& sizes,
+                                                 ZoomSweep::Suits suits = nullptr) {
+    Settings settings;
+    for (const ZoomLayout& layout : ZoomLayouts()) {
+        if (suits != nullptr && !suits(sizes, layout)) continue;
+        ZoomTrial trial(form, sizes, layout, Content::kNoise, sizes.dstHeight);
+        for (unsigned processors = 1; processors <= 16; ++processors) {
+            settings.UseProcessors(processors);
+            ASSERT_TRUE(trial.Run()) << processors << " processors";
+        }
+    }
+}
+
+// Workers of the pool after one zoom that found none.
+inline unsigned WorkersAfter(const ZoomForm& form, const ZoomSizes& sizes) {
+    CTQIPLThreadPool* pool = CTQIPLThreadPool::GetInstance();
+    auto workers = [pool] {
+        TQ_THREAD_STATS stats;
+        pool->GetThreadStats(&stats);
+        return stats.m_nThreadCount;
+    };
+    // A worker is idle a moment after its task has ended.
+    EXPECT_TRUE(Eventually([&] {
+        pool->ReleaseIdleThreads();
+        return workers() == 0;
+    }));
+    ZoomTrial trial(form, sizes, ZoomLayouts()[0], Content::kNoise, 1);
+    EXPECT_TRUE(trial.Run());
+    return workers();
+}
 
 // A MultiThread form at 1 to 16 processors against the plain form's bytes.
 inline void ExpectThreadedEqualsPlain(const ZoomForm& plain, const ZoomForm& threaded,
@@ -377,6 +452,38 @@ inline void ExpectZoom(const std::vector<ZoomForm>& forms, const ZoomSizes& size
                   four ? InFourChannels(expected) : expected)
             << form.name;
     }
+}
+
+// One channel or four, in guarded memory, through two functions: the same bytes, padding and all.
+inline void ExpectSameZoom(const ZoomForm& form, ZoomFunction other, const ZoomSizes& s) {
+    for (const ZoomLayout& layout : ZoomLayouts()) {
+        GuardedImage src(s.srcWidth * form.channels, s.srcHeight, layout.src);
+        GuardedImage dst(s.dstWidth * form.channels, s.dstHeight, layout.dst);
+        Fill(src.Memory(), src.Size(), Content::kNoise, 3);
+        Fill(dst.Memory(), dst.Size(), Content::kNoise, 4);
+        const std::vector<uint8_t> before = dst.Copy();
+        other(s.srcWidth, s.srcHeight, src.Stride(), src.First(), s.dstWidth, s.dstHeight,
+              dst.Stride(), dst.First());
+        const std::vector<uint8_t> expected = dst.Copy();
+        std::memcpy(dst.Memory(), before.data(), before.size());
+        form.function(s.srcWidth, s.srcHeight, src.Stride(), src.First(), s.dstWidth, s.dstHeight,
+                      dst.Stride(), dst.First());
+        ASSERT_EQ(std::memcmp(dst.Memory(), expected.data(), expected.size()), 0)
+            << form.name << ", " << s.srcWidth << " x " << s.srcHeight << " to " << s.dstWidth
+            << " x " << s.dstHeight << ": "
+            << FirstDifference(dst.Memory(), expected, dst.FirstOffset(), dst.Stride());
+    }
+}
+
+inline void ExpectSameZoomAtEveryLevelAndProcessorCount(const ZoomForm& form, ZoomFunction other,
+                                                        const std::vector<ZoomSizes>& sizes) {
+    Settings settings;
+    for (tq::IsaLevel level : RunnableIsaLevels())
+        for (unsigned processors : {1u, 3u, 16u}) {
+            settings.Use(level);
+            settings.UseProcessors(processors);
+            for (const ZoomSizes& s : sizes) ExpectSameZoom(form, other, s);
+        }
 }
 
 }  // namespace tqtest
