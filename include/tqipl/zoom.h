@@ -37,6 +37,27 @@ TQIPL_API void IPL_ZoomLinearMultiThread_8u_C4R(int srcWidth, int srcHeight, int
                                                 unsigned char* src, int dstWidth, int dstHeight,
                                                 int dstStride, unsigned char* dst);
 
+// Linear correct: linear with adapted fractions, which keep a step of the picture on the side of
+// the position that it belongs to. The fractions follow from the 4 x 4 pixels around the position,
+// in the four-channel forms from their luminance (IPL_ARGB2LUM), and serve all channels. Where
+// these pixels would leave the image, one cell at the left and top and two at the right and bottom,
+// it is the linear zoom. For enlargement by 2 or more on both axes: any other call is
+// IPL_ZoomLinear.
+TQIPL_API void IPL_ZoomLinearCorrect_8u_C1R(int srcWidth, int srcHeight, int srcStride,
+                                            unsigned char* src, int dstWidth, int dstHeight,
+                                            int dstStride, unsigned char* dst);
+TQIPL_API void IPL_ZoomLinearCorrectMultiThread_8u_C1R(int srcWidth, int srcHeight, int srcStride,
+                                                       unsigned char* src, int dstWidth,
+                                                       int dstHeight, int dstStride,
+                                                       unsigned char* dst);
+TQIPL_API void IPL_ZoomLinearCorrect_8u_C4R(int srcWidth, int srcHeight, int srcStride,
+                                            unsigned char* src, int dstWidth, int dstHeight,
+                                            int dstStride, unsigned char* dst);
+TQIPL_API void IPL_ZoomLinearCorrectMultiThread_8u_C4R(int srcWidth, int srcHeight, int srcStride,
+                                                       unsigned char* src, int dstWidth,
+                                                       int dstHeight, int dstStride,
+                                                       unsigned char* dst);
+
 // Cubic: four taps an axis, in 1024ths, first along the rows and then, unrounded, along the
 // columns; pixel centres aligned. Taps outside the image are left out and the others weigh more.
 // Results are rounded to nearest and held in 0 to 255. Enlarging and reducing alike: a strong
@@ -71,3 +92,21 @@ TQIPL_API void IPL_Zoom6Cubic_8u_C4R(int srcWidth, int srcHeight, int srcStride,
 TQIPL_API void IPL_Zoom6CubicMultiThread_8u_C4R(int srcWidth, int srcHeight, int srcStride,
                                                 unsigned char* src, int dstWidth, int dstHeight,
                                                 int dstStride, unsigned char* dst);
+
+// Cubic correct: the adapted fractions of IPL_ZoomLinearCorrect choose among 256 rows of five taps
+// an axis, in 1024ths; rounded to nearest and held in 0 to 255. The outer two cells on every side
+// are the linear zoom. For enlargement by 2 or more on both axes: any other call is IPL_Zoom6Cubic.
+TQIPL_API void IPL_ZoomCubicCorrect_8u_C1R(int srcWidth, int srcHeight, int srcStride,
+                                           unsigned char* src, int dstWidth, int dstHeight,
+                                           int dstStride, unsigned char* dst);
+TQIPL_API void IPL_ZoomCubicCorrectMultiThread_8u_C1R(int srcWidth, int srcHeight, int srcStride,
+                                                      unsigned char* src, int dstWidth,
+                                                      int dstHeight, int dstStride,
+                                                      unsigned char* dst);
+TQIPL_API void IPL_ZoomCubicCorrect_8u_C4R(int srcWidth, int srcHeight, int srcStride,
+                                           unsigned char* src, int dstWidth, int dstHeight,
+                                           int dstStride, unsigned char* dst);
+TQIPL_API void IPL_ZoomCubicCorrectMultiThread_8u_C4R(int srcWidth, int srcHeight, int srcStride,
+                                                      unsigned char* src, int dstWidth,
+                                                      int dstHeight, int dstStride,
+                                                      unsigned char* dst);
