@@ -9,9 +9,11 @@ target_sources(tq_objects PRIVATE
     zoom/linear_correct.cpp
     zoom/nearest.cpp
     zoom/six_cubic.cpp
+    zoom/super.cpp
     zoom/weights.cpp)
 tq_add_kernels(
     zoom/correct_kernels.cpp
     zoom/cubic_correct_kernels.cpp
     zoom/cubic_kernels.cpp
-    zoom/linear_kernels.cpp)
+    zoom/linear_kernels.cpp
+    zoom/super_kernels.cpp)

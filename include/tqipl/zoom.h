@@ -110,3 +110,21 @@ TQIPL_API void IPL_ZoomCubicCorrectMultiThread_8u_C4R(int srcWidth, int srcHeigh
                                                       unsigned char* src, int dstWidth,
                                                       int dstHeight, int dstStride,
                                                       unsigned char* dst);
+
+// Super: each pixel is the mean of the source area that it covers, pixels at the area's edges by
+// the part covered, in single precision and truncated. The method for reduction; a call that
+// enlarges either axis is IPL_Zoom6Cubic.
+//
+// On an axis of equal lengths the last two columns, or rows, come out about twice as bright as they
+// should, held at 255. IPL_ZoomSuper_8u_C4R forms the lower edge of the area in another way than
+// IPL_ZoomSuperMultiThread_8u_C4R, so that the two may differ by a little in single rows.
+TQIPL_API void IPL_ZoomSuper_8u_C1R(int srcWidth, int srcHeight, int srcStride, unsigned char* src,
+                                    int dstWidth, int dstHeight, int dstStride, unsigned char* dst);
+TQIPL_API void IPL_ZoomSuperMultiThread_8u_C1R(int srcWidth, int srcHeight, int srcStride,
+                                               unsigned char* src, int dstWidth, int dstHeight,
+                                               int dstStride, unsigned char* dst);
+TQIPL_API void IPL_ZoomSuper_8u_C4R(int srcWidth, int srcHeight, int srcStride, unsigned char* src,
+                                    int dstWidth, int dstHeight, int dstStride, unsigned char* dst);
+TQIPL_API void IPL_ZoomSuperMultiThread_8u_C4R(int srcWidth, int srcHeight, int srcStride,
+                                               unsigned char* src, int dstWidth, int dstHeight,
+                                               int dstStride, unsigned char* dst);
