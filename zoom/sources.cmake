@@ -10,10 +10,13 @@ target_sources(tq_objects PRIVATE
     zoom/nearest.cpp
     zoom/six_cubic.cpp
     zoom/super.cpp
+    zoom/tfi.cpp
+    zoom/tfi_steps.cpp
     zoom/weights.cpp)
 tq_add_kernels(
     zoom/correct_kernels.cpp
     zoom/cubic_correct_kernels.cpp
     zoom/cubic_kernels.cpp
     zoom/linear_kernels.cpp
-    zoom/super_kernels.cpp)
+    zoom/super_kernels.cpp
+    zoom/tfi_kernels.cpp)

@@ -128,3 +128,22 @@ TQIPL_API void IPL_ZoomSuper_8u_C4R(int srcWidth, int srcHeight, int srcStride, 
 TQIPL_API void IPL_ZoomSuperMultiThread_8u_C4R(int srcWidth, int srcHeight, int srcStride,
                                                unsigned char* src, int dstWidth, int dstHeight,
                                                int dstStride, unsigned char* dst);
+
+// TFI: between the four pixels around the position, weighed by distance, by how busy the picture is
+// around each of them, and by their difference from a first mean. The corner pixels of source and
+// destination coincide. Single precision, truncated; uses the C runtime's expf and sqrtf.
+//
+// The MultiThread forms measure the spread of the four pixels as a standard deviation in whole
+// numbers, the plain ones as a variance: their pictures differ. The four-channel forms zoom each
+// channel by itself; both of them split and join the channels on the thread pool. A source of one
+// row or one column takes the nearest pixel in place of the missing one.
+TQIPL_API void IPL_ZoomTFI_8u_C1R(int srcWidth, int srcHeight, int srcStride, unsigned char* src,
+                                  int dstWidth, int dstHeight, int dstStride, unsigned char* dst);
+TQIPL_API void IPL_ZoomTFIMultiThread_8u_C1R(int srcWidth, int srcHeight, int srcStride,
+                                             unsigned char* src, int dstWidth, int dstHeight,
+                                             int dstStride, unsigned char* dst);
+TQIPL_API void IPL_ZoomTFI_8u_C4R(int srcWidth, int srcHeight, int srcStride, unsigned char* src,
+                                  int dstWidth, int dstHeight, int dstStride, unsigned char* dst);
+TQIPL_API void IPL_ZoomTFIMultiThread_8u_C4R(int srcWidth, int srcHeight, int srcStride,
+                                             unsigned char* src, int dstWidth, int dstHeight,
+                                             int dstStride, unsigned char* dst);
