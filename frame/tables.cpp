@@ -3,6 +3,8 @@
 
 #include "frame/tables.h"
 
+#include <cmath>
+
 #include "frame/exact_math.h"
 
 const int IPL_MatrixYUV709x601[3][3] = {{4096, 417, 804}, {4, 4053, -453}, {0, -292, 4028}};
@@ -19,6 +21,8 @@ int (*IPL_TabValueQ)[256];
 int (*IPL_TabValueT)[256];
 float IPL_TabSoftWeight[511];
 int IPL_TabFiveTap[256][5];
+float IPL_ExpFine[2048];
+float IPL_ExpCoarse[4097];
 
 namespace tq {
 
@@ -108,6 +112,13 @@ void FillFiveTaps() {
     }
 }
 
+// These are narrowed from double precision: a last bit moves bytes of flat areas.
+void FillExponentials() {
+    for (int j = 0; j < 2048; ++j)
+        IPL_ExpFine[j] = static_cast<float>(std::exp(-(j + 0.5) / 131072.0));
+    for (int k = 0; k <= 4096; ++k) IPL_ExpCoarse[k] = static_cast<float>(std::exp(-k / 64.0));
+}
+
 }  // namespace
 
 void FillTables() {
@@ -116,6 +127,7 @@ void FillTables() {
     FillValueTables();
     FillSoftWeights();
     FillFiveTaps();
+    FillExponentials();
 }
 
 void FreeHeapTables() {

@@ -33,6 +33,10 @@ extern float IPL_TabSoftWeight[511];
 // Five taps of the six-tap kernel at 256 positions between two samples, in 1024ths.
 extern int IPL_TabFiveTap[256][5];
 
+// exp(-(j + 0.5) / 131072) and exp(-k / 64), each rounded to single precision once.
+extern float IPL_ExpFine[2048];
+extern float IPL_ExpCoarse[4097];
+
 namespace tq {
 
 void FillTables();

@@ -5,6 +5,8 @@ target_sources(tq_objects PRIVATE
     zoom/cubic_correct.cpp
     zoom/cubic_passes.cpp
     zoom/geometry.cpp
+    zoom/jbi.cpp
+    zoom/jbi_rows.cpp
     zoom/linear.cpp
     zoom/linear_correct.cpp
     zoom/nearest.cpp
@@ -17,6 +19,7 @@ tq_add_kernels(
     zoom/correct_kernels.cpp
     zoom/cubic_correct_kernels.cpp
     zoom/cubic_kernels.cpp
+    zoom/jbi_kernels.cpp
     zoom/linear_kernels.cpp
     zoom/super_kernels.cpp
     zoom/tfi_kernels.cpp)

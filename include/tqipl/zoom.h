@@ -129,6 +129,23 @@ TQIPL_API void IPL_ZoomSuperMultiThread_8u_C4R(int srcWidth, int srcHeight, int 
                                                unsigned char* src, int dstWidth, int dstHeight,
                                                int dstStride, unsigned char* dst);
 
+// JBI: a mean of the 5 x 5 source pixels around the position, weighed by distance and by the
+// difference from a first estimate made by IPL_ZoomCubicCorrect (joint bilateral interpolation).
+// The weights for difference follow the variance of the neighbourhood; the four-channel forms weigh
+// by luminance (IPL_ARGB2LUM) for all channels. The outermost pixels are those of the estimate, in
+// the four-channel forms a linear zoom of the source's own outermost pixels. Single precision,
+// truncated. For enlargement of both axes: any other call is IPL_ZoomSuper.
+TQIPL_API void IPL_ZoomJBI_8u_C1R(int srcWidth, int srcHeight, int srcStride, unsigned char* src,
+                                  int dstWidth, int dstHeight, int dstStride, unsigned char* dst);
+TQIPL_API void IPL_ZoomJBIMultiThread_8u_C1R(int srcWidth, int srcHeight, int srcStride,
+                                             unsigned char* src, int dstWidth, int dstHeight,
+                                             int dstStride, unsigned char* dst);
+TQIPL_API void IPL_ZoomJBI_8u_C4R(int srcWidth, int srcHeight, int srcStride, unsigned char* src,
+                                  int dstWidth, int dstHeight, int dstStride, unsigned char* dst);
+TQIPL_API void IPL_ZoomJBIMultiThread_8u_C4R(int srcWidth, int srcHeight, int srcStride,
+                                             unsigned char* src, int dstWidth, int dstHeight,
+                                             int dstStride, unsigned char* dst);
+
 // TFI: between the four pixels around the position, weighed by distance, by how busy the picture is
 // around each of them, and by their difference from a first mean. The corner pixels of source and
 // destination coincide. Single precision, truncated; uses the C runtime's expf and sqrtf.
