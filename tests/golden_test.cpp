@@ -1,6 +1,6 @@
-// The bytes of every form at fixed sizes and contents, as hashes. They are the same for every
-// compiler, system, instruction-set level and processor count; a change here is a change of what
-// hosts get. Run with TQIPL_PRINT_GOLDEN set to print the tables anew.
+// The bytes of the colour, plane and image memory forms.
+
+#include "support/golden.h"
 
 #include <TQIPLBaseLibU.h>
 #include <gtest/gtest.h>
@@ -14,11 +14,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "support/guarded_buffer.h"
-#include "support/settings.h"
-
-namespace {
-
+namespace tqtest {
 const std::map<std::string, uint64_t> kGolden = {
 #include "golden/color.txt"
 #include "golden/deep.txt"
@@ -27,45 +23,15 @@ const std::map<std::string, uint64_t> kGolden = {
 #include "golden/luminance.txt"
 #include "golden/planar.txt"
 #include "golden/planes.txt"
-#include "golden/zoom.txt"
 };
+}  // namespace tqtest
 
-uint64_t Hash(const std::vector<uint8_t>& bytes) {  // FNV-1a
-    uint64_t hash = 0xCBF29CE484222325;
-    for (uint8_t byte : bytes) hash = (hash ^ byte) * 0x100000001B3;
-    return hash;
-}
+namespace {
 
-std::vector<uint8_t> Hostile(size_t bytes, uint32_t seed) {
-    std::vector<uint8_t> data(bytes);
-    tqtest::FillHostile(data.data(), bytes, seed);
-    return data;
-}
+using tqtest::ExpectGolden;
+using tqtest::Hostile;
+using tqtest::Size;
 
-// Runs a case at every level and at processor counts with and without bands.
-void ExpectGolden(const std::string& name, const std::function<std::vector<uint8_t>()>& run,
-                  const std::vector<unsigned>& processorCounts = {1, 3, 8}) {
-    tqtest::Settings settings;
-    if (std::getenv("TQIPL_PRINT_GOLDEN")) {
-        settings.UseProcessors(processorCounts.front());
-        std::printf("{\"%s\", 0x%016llx},\n", name.c_str(),
-                    static_cast<unsigned long long>(Hash(run())));
-        return;
-    }
-    const auto golden = kGolden.find(name);
-    ASSERT_NE(golden, kGolden.end()) << name;
-    for (tq::IsaLevel level : tqtest::RunnableIsaLevels())
-        for (unsigned processors : processorCounts) {
-            settings.Use(level);
-            settings.UseProcessors(processors);
-            EXPECT_EQ(Hash(run()), golden->second)
-                << name << ", " << tq::IsaLevelName(level) << ", " << processors << " processors";
-        }
-}
-
-struct Size {
-    int width, height;
-};
 constexpr Size kSizes[] = {{64, 8}, {131, 21}};
 
 template <class Dst> using PixelForm = void (*)(int, int, int, unsigned char*, int, Dst*);
@@ -540,38 +506,6 @@ TEST(Golden, ImageMemory) {
             form(47, 20, 50, src.data(), 70, dst.data(), 3, 9, 11, 8);
             return dst;
         });
-}
-
-using ZoomForm = void (*)(int, int, int, unsigned char*, int, int, int, unsigned char*);
-
-void ExpectZoom(const std::string& name, ZoomForm form, int pixelBytes) {
-    for (auto [from, to] : {std::pair<Size, Size>{{33, 21}, {66, 42}},
-                            {{33, 21}, {65, 41}},
-                            {{64, 40}, {27, 13}},
-                            {{17, 9}, {131, 9}},
-                            {{40, 30}, {23, 77}},
-                            {{1, 1}, {19, 5}},
-                            {{5, 3}, {5, 3}}})
-        ExpectGolden(name + " " + std::to_string(from.width) + "x" + std::to_string(from.height) +
-                         " to " + std::to_string(to.width) + "x" + std::to_string(to.height),
-                     [&, from = from, to = to] {
-                         const int srcStride = from.width * pixelBytes + 5;
-                         const int dstStride = to.width * pixelBytes + 7;
-                         auto src = Hostile(srcStride * from.height, 7);
-                         auto dst = Hostile(dstStride * to.height, 8);
-                         form(from.width, from.height, srcStride, src.data(), to.width, to.height,
-                              dstStride, dst.data());
-                         return dst;
-                     });
-}
-
-TEST(Golden, Zoom) {
-    ExpectZoom("IPL_ZoomNN_8u_C1R", IPL_ZoomNN_8u_C1R, 1);
-    ExpectZoom("IPL_ZoomNN_8u_C4R", IPL_ZoomNN_8u_C4R, 4);
-    ExpectZoom("IPL_ZoomLinear_8u_C1R", IPL_ZoomLinear_8u_C1R, 1);
-    ExpectZoom("IPL_ZoomLinear_8u_C4R", IPL_ZoomLinear_8u_C4R, 4);
-    ExpectZoom("IPL_ZoomLinearMultiThread_8u_C1R", IPL_ZoomLinearMultiThread_8u_C1R, 1);
-    ExpectZoom("IPL_ZoomLinearMultiThread_8u_C4R", IPL_ZoomLinearMultiThread_8u_C4R, 4);
 }
 
 }  // namespace
