@@ -12,6 +12,10 @@ void AddDeep();
 void AddHsv();
 void AddPlanes();
 void AddImageMemory();
+void AddMorph();
+void AddLabelling();
+void AddFilter();
+void AddWavelet();
 void AddZoom();
 void AddPool();
 

@@ -33,6 +33,10 @@ int main(int argc, char** argv) {
     tqbench::AddHsv();
     tqbench::AddPlanes();
     tqbench::AddImageMemory();
+    tqbench::AddMorph();
+    tqbench::AddLabelling();
+    tqbench::AddFilter();
+    tqbench::AddWavelet();
     tqbench::AddZoom();
     tqbench::AddPool();
 

@@ -32,6 +32,49 @@ void OpenCvResize(const Form& form, uint8_t* src, uint8_t* dst, int type, int me
     cv::resize(Image(form.srcSize, type, src), to, to.size(), 0, 0, method);
 }
 
+// A mask in place, with a square of 2 * radius + 1 pixels; what lies outside takes no part.
+template <int operation, int radius> void OpenCvMorph(const Form& form, uint8_t*, uint8_t* dst) {
+    cv::Mat mask = Image(form.dstSize, CV_8UC1, dst);
+    const cv::Size side(2 * radius + 1, 2 * radius + 1);
+    cv::morphologyEx(mask, mask, operation, cv::getStructuringElement(cv::MORPH_RECT, side));
+}
+
+// filter(from, to) on one byte a pixel.
+template <class Filter>
+void OpenCvFilter(const Form& form, uint8_t* src, uint8_t* dst, Filter filter) {
+    cv::Mat to = Image(form.dstSize, CV_8UC1, dst);
+    filter(Image(form.srcSize, CV_8UC1, src), to);
+}
+
+template <int radius> void OpenCvBilateral(const Form& form, uint8_t* src, uint8_t* dst) {
+    OpenCvFilter(form, src, dst, [](const cv::Mat& from, cv::Mat& to) {
+        cv::bilateralFilter(from, to, 2 * radius + 1, 30, radius);
+    });
+}
+
+template <int radius> void OpenCvGauss(const Form& form, uint8_t* src, uint8_t* dst) {
+    OpenCvFilter(form, src, dst, [](const cv::Mat& from, cv::Mat& to) {
+        cv::GaussianBlur(from, to, {2 * radius + 1, 2 * radius + 1}, radius);
+    });
+}
+
+template <int radius> void OpenCvBlur(const Form& form, uint8_t* src, uint8_t* dst) {
+    OpenCvFilter(form, src, dst, [](const cv::Mat& from, cv::Mat& to) {
+        cv::blur(from, to, {2 * radius + 1, 2 * radius + 1});
+    });
+}
+
+template <int radius> void OpenCvMedian(const Form& form, uint8_t* src, uint8_t* dst) {
+    OpenCvFilter(form, src, dst, [](const cv::Mat& from, cv::Mat& to) {
+        cv::medianBlur(from, to, 2 * radius + 1);
+    });
+}
+
+// The super zoom is the six-tap one where it enlarges.
+int OpenCvSuper(const Form& form) {
+    return form.dstSize.width > form.srcSize.width ? cv::INTER_LANCZOS4 : cv::INTER_AREA;
+}
+
 using PeerCall = void (*)(const Form& form, uint8_t* src, uint8_t* dst);
 
 struct Peer {
@@ -142,6 +185,30 @@ const Peer kPeers[] = {
      [](const Form& form, uint8_t* src, uint8_t* dst) {
          OpenCvResize(form, src, dst, CV_8UC4, cv::INTER_LINEAR);
      }},
+    {"IPL_ZoomCubic_8u_C1R", kOpenCv, true,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         OpenCvResize(form, src, dst, CV_8UC1, cv::INTER_CUBIC);
+     }},
+    {"IPL_ZoomCubic_8u_C4R", kOpenCv, true,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         OpenCvResize(form, src, dst, CV_8UC4, cv::INTER_CUBIC);
+     }},
+    {"IPL_Zoom6Cubic_8u_C1R", kOpenCv, true,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         OpenCvResize(form, src, dst, CV_8UC1, cv::INTER_LANCZOS4);
+     }},
+    {"IPL_Zoom6Cubic_8u_C4R", kOpenCv, true,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         OpenCvResize(form, src, dst, CV_8UC4, cv::INTER_LANCZOS4);
+     }},
+    {"IPL_ZoomSuper_8u_C1R", kOpenCv, true,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         OpenCvResize(form, src, dst, CV_8UC1, OpenCvSuper(form));
+     }},
+    {"IPL_ZoomSuper_8u_C4R", kOpenCv, true,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         OpenCvResize(form, src, dst, CV_8UC4, OpenCvSuper(form));
+     }},
     {"IPL_ZoomLinear_8u_C1R", kLibyuv, false,
      [](const Form& form, uint8_t* src, uint8_t* dst) {
          const auto [w, h] = form.srcSize;
@@ -154,6 +221,30 @@ const Peer kPeers[] = {
          libyuv::ARGBScale(src, 4 * w, w, h, dst, 4 * form.dstSize.width, form.dstSize.width,
                            form.dstSize.height, libyuv::kFilterBilinear);
      }},
+    {"IPL_FErosion:r1", kOpenCv, true, OpenCvMorph<cv::MORPH_ERODE, 1>},
+    {"IPL_FErosion:r5", kOpenCv, true, OpenCvMorph<cv::MORPH_ERODE, 5>},
+    {"IPL_FErosion:r25", kOpenCv, true, OpenCvMorph<cv::MORPH_ERODE, 25>},
+    {"IPL_FErosion:r100", kOpenCv, true, OpenCvMorph<cv::MORPH_ERODE, 100>},
+    {"IPL_FDilation:r1", kOpenCv, true, OpenCvMorph<cv::MORPH_DILATE, 1>},
+    {"IPL_FDilation:r5", kOpenCv, true, OpenCvMorph<cv::MORPH_DILATE, 5>},
+    {"IPL_FDilation:r25", kOpenCv, true, OpenCvMorph<cv::MORPH_DILATE, 25>},
+    {"IPL_FDilation:r100", kOpenCv, true, OpenCvMorph<cv::MORPH_DILATE, 100>},
+    {"IPL_FOpening:r5", kOpenCv, true, OpenCvMorph<cv::MORPH_OPEN, 5>},
+    {"IPL_FClosing:r5", kOpenCv, true, OpenCvMorph<cv::MORPH_CLOSE, 5>},
+    {"IPL_Bilteral_8u_C1R:r3", kOpenCv, true, OpenCvBilateral<3>},
+    {"IPL_Gauss3x3_8u_C1R", kOpenCv, true,
+     [](const Form& form, uint8_t* src, uint8_t* dst) {
+         OpenCvFilter(form, src, dst, [](const cv::Mat& from, cv::Mat& to) {
+             cv::GaussianBlur(from, to, {3, 3}, 0);
+         });
+     }},
+    {"IPL_Gauss_8u_C1R:r2", kOpenCv, true, OpenCvGauss<2>},
+    {"IPL_Gauss_8u_C1R:r7", kOpenCv, true, OpenCvGauss<7>},
+    {"IPL_Average_8u_C1R:r2", kOpenCv, true, OpenCvBlur<2>},
+    {"IPL_Average_8u_C1R:r7", kOpenCv, true, OpenCvBlur<7>},
+    {"IPL_Median_8u_C1R:r1", kOpenCv, true, OpenCvMedian<1>},
+    {"IPL_Median_8u_C1R:r2", kOpenCv, true, OpenCvMedian<2>},
+    {"IPL_Median_8u_C1R:r7", kOpenCv, true, OpenCvMedian<7>},
     {"IPL_MemcpyInvert_CR4", kOpenCv, false,
      [](const Form& form, uint8_t* src, uint8_t* dst) {
          cv::Mat to = Image(form.dstSize, CV_8UC4, dst);
@@ -166,8 +257,14 @@ constexpr double kSameWork = 2;
 
 std::string CheckPeer(const Form& form, PeerCall peer) {
     const Frames& frames = GetFrames();
-    form.plain(frames.picture, frames.expected);
+    // What a form leaves unwritten at the borders is compared too, and should look like the rest.
+    std::copy_n(frames.picture, form.dstBytes, frames.expected);
     std::fill_n(frames.dst, form.dstBytes, 0);
+    if (form.fill) {
+        form.fill(frames.expected);
+        form.fill(frames.dst);
+    }
+    form.plain(frames.picture, frames.expected);
     peer(form, frames.picture, frames.dst);
     int64_t sum = 0;
     for (int64_t i = 0; i < form.dstBytes; ++i) sum += std::abs(frames.dst[i] - frames.expected[i]);
@@ -183,7 +280,11 @@ void AddPeerRow(const Form& form, const Peer& peer, bool threaded) {
             .bytes = form.srcBytes + form.dstBytes,
             .threaded = threaded,
             .check = [=] { return CheckPeer(form, peer.call); },
-            .prepare = [=] { cv::setNumThreads(threads); },
+            .prepare =
+                [=] {
+                    cv::setNumThreads(threads);
+                    if (form.fill) form.fill(GetFrames().dst);
+                },
             .call = [=] { peer.call(form, GetFrames().picture, GetFrames().dst); }});
 }
 
@@ -193,7 +294,33 @@ void AddPeerRows(const Form& form) {
     for (const Peer& peer : kPeers) {
         if (form.name != peer.form) continue;
         AddPeerRow(form, peer, false);
-        if (peer.hasThreads) AddPeerRow(form, peer, true);
+        if (peer.hasThreads && !form.multiThreadName.empty()) AddPeerRow(form, peer, true);
+    }
+}
+
+void AddLabellingPeers(const std::string& kind, Size size, uint8_t* mask, int64_t runs,
+                       const std::function<size_t()>& countRegions) {
+    for (const bool threaded : {false, true}) {
+        const int threads = threaded ? static_cast<int>(g_IPLProcessorCount) : 1;
+        const auto label = [=]() -> int {
+            cv::Mat labels, stats, centroids;
+            return cv::connectedComponentsWithStats(Image(size, CV_8UC1, mask), labels, stats,
+                                                    centroids, 8);
+        };
+        AddRow({.name = std::string("IPL_FCCLabeling") + (threaded ? "_MultiThread:" : ":") + kind +
+                        "/" + ToString(size) + "/" + kOpenCv,
+                .items = runs,
+                .bytes = size.Pixels(),
+                .threaded = threaded,
+                .check =
+                    [=] {
+                        const int found = label() - 1;  // without the background
+                        return static_cast<size_t>(found) == countRegions()
+                                   ? std::string()
+                                   : std::to_string(found) + " regions";
+                    },
+                .prepare = [=] { cv::setNumThreads(threads); },
+                .call = [=] { label(); }});
     }
 }
 

@@ -110,12 +110,21 @@ std::string CheckForm(const Form& form, const Call& call, tq::IsaLevel level) {
 void AddFormRow(const Form& form, bool threaded, tq::IsaLevel level) {
     const std::string& name = threaded ? form.multiThreadName : form.name;
     const Call& call = threaded ? form.multiThread : form.plain;
+    Form checked = form;
+    if (threaded && form.multiThreadReference) {
+        checked.plain = form.multiThread;
+        checked.reference = form.multiThreadReference;
+    }
     AddRow({.name = name + "/" + form.size + (form.hasKernels ? LevelSuffix(level) : ""),
             .items = form.dstSize.Pixels(),
             .bytes = form.srcBytes + form.dstBytes,
             .threaded = threaded,
-            .check = [=] { return CheckForm(form, call, level); },
-            .prepare = [=] { tq::SetIsaLevel(level); },
+            .check = [=] { return CheckForm(checked, call, level); },
+            .prepare =
+                [=] {
+                    tq::SetIsaLevel(level);
+                    if (form.fill) form.fill(GetFrames().dst);
+                },
             .call = [=] { call(GetFrames().picture, GetFrames().dst); }});
 }
 

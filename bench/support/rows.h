@@ -39,16 +39,25 @@ struct Form {
     bool hasKernels;             // a row at every level, not one
     // Without a plain form `plain` is the other one: the first check calls it.
     Call plain, multiThread, reference;
+    // Only where the MultiThread form has other bytes than the plain one.
+    Call multiThreadReference = {};
+    // Fills dst before the timing of a form that works in place; empty for any other.
+    std::function<void(uint8_t* dst)> fill = {};
 };
 
 // The plain form at every level that this machine runs, the MultiThread form at the highest, and
 // other libraries that do the same work.
 void AddForm(const Form& form);
 
+// AddLabellingPeers: other libraries that find the regions of a mask.
 #if defined(TQIPL_BENCH_PEERS)
 void AddPeerRows(const Form& form);
+void AddLabellingPeers(const std::string& kind, Size size, uint8_t* mask, int64_t runs,
+                       const std::function<size_t()>& countRegions);
 #else
 inline void AddPeerRows(const Form&) {}
+inline void AddLabellingPeers(const std::string&, Size, uint8_t*, int64_t,
+                              const std::function<size_t()>&) {}
 #endif
 
 }  // namespace tqbench
