@@ -13,6 +13,7 @@ struct ZoomOptions {
     std::string output;
     std::string size;
     std::string method;
+    std::string compare;  // may be empty
     bool single = false;
 };
 void RunZoom(const ZoomOptions& options);

@@ -75,7 +75,11 @@ struct CommandLine {
         command->add_option("OUT.png", zoom.output, "The result; grey stays grey")->required();
         command->add_option("--size", zoom.size, "WIDTHxHEIGHT of the result")->required();
         command->add_option("--method", zoom.method, "One of: " + ZoomMethodNames())->required();
+        command->add_option("--compare", zoom.compare,
+                            "Print the PSNR of the result, scaled to this PNG file's size by the "
+                            "same method, against it");
         command->add_flag("--single", zoom.single, "Use the plain form, on one thread");
+        command->footer(ZoomMethodList());
         command->callback([this] { RunZoom(zoom); });
     }
 

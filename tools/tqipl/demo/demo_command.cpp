@@ -66,8 +66,9 @@ std::string Summary(const std::string& fileName, const Timing& timing) {
         return fileName + ": MultiThread " + Milliseconds(timing.plainMs) + ", no plain form";
     const std::string plain = fileName + ": plain " + Milliseconds(timing.plainMs);
     if (!timing.multiThreadMs) return plain;
-    return plain + ", MultiThread " + Milliseconds(*timing.multiThreadMs) +
-           (timing.sameBytes ? ", same bytes" : ", DIFFERENT BYTES");
+    const std::string both = plain + ", MultiThread " + Milliseconds(*timing.multiThreadMs);
+    if (timing.notCompared != nullptr) return both + ", other bytes: " + timing.notCompared;
+    return both + (timing.sameBytes ? ", same bytes" : ", DIFFERENT BYTES");
 }
 
 void ShowExhibit(const Sample& sample, const Exhibit& exhibit, const fs::path& folder,

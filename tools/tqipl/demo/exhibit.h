@@ -24,6 +24,7 @@ struct Timing {
     double plainMs = 0;
     std::optional<double> multiThreadMs;  // none: there is no MultiThread form
     bool sameBytes = true;                // both forms gave the same result
+    const char* notCompared = nullptr;    // why the forms' results need not be equal
     bool byHost = false;                  // plainMs is the host's work, not the library's
     bool onlyMultiThread = false;         // plainMs is that of a form without a plain one
 };

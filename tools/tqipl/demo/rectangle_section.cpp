@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "demo/sections.h"
+#include "luminance.h"
 
 namespace tqipl {
 
@@ -29,15 +30,8 @@ Shown ShowCopyInside(const Picture& source) {
                           {});
 }
 
-Picture GreyCopy(const Picture& source) {
-    Picture luminance(source.size, Channels::kGrey);
-    IPL_ARGB2LUM(source.size.width, source.size.height, source.Stride(), source.Source(),
-                 luminance.Stride(), luminance.bytes.data());
-    return luminance;
-}
-
 Shown ShowCopyOutside(const Picture& source) {
-    const Picture grey = ToColour(GreyCopy(source));
+    const Picture grey = ToColour(LuminanceOf(source));
     return MeasurePicture(
         source.size, source.channels,
         [&](unsigned char* result) {
@@ -90,7 +84,7 @@ Size PaddedSize(Size size) {
 }
 
 Shown ShowPad(const Picture& source) {
-    const Picture plane = GreyCopy(source);
+    const Picture plane = LuminanceOf(source);
     const auto width = static_cast<unsigned int>(plane.size.width);
     const auto height = static_cast<unsigned int>(plane.size.height);
     const Size padded = PaddedSize(plane.size);

@@ -27,9 +27,24 @@ constexpr Section kSections[] = {
      HsvExhibits},
     {"Planes", "Images taken apart into their samples, and built from them.", PlanesExhibits},
     {"Luminance", "The weighted sum of blue, green and red.", LuminanceExhibits},
+    {"Masks",
+     "The photograph's luminance in black and white, and what can be done with it: regions are "
+     "smoothed, cleaned, found and grown.",
+     MaskExhibits},
+    {"Filters",
+     "The luminance with noise, and what filters make of it. The decibels are the library's PSNR "
+     "against the luminance without noise, which takes the root of the mean squared error once "
+     "more than the usual measure; higher is closer, and equal planes have 118.",
+     FilterExhibits},
+    {"Wavelets and fields",
+     "The 5/3 wavelet on the luminance: its four bands, its low-pass filter, and a progressive "
+     "frame made into two fields that do not flicker.",
+     WaveletExhibits},
     {"Zoom",
      "The middle of each result, pixel for pixel. Click a picture to see its pixels three times "
-     "as large.",
+     "as large. First the photograph reduced to a quarter, and enlarged four times from there by "
+     "each method made for it; the decibels are the library's PSNR of the luminance against the "
+     "photograph. Then other sizes.",
      ZoomExhibits},
     {"Rectangles", "Copies, fills and flips by rectangle. The chequered ground is transparency.",
      RectangleExhibits},

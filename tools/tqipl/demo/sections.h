@@ -27,6 +27,9 @@ std::vector<Exhibit> DeepExhibits(const Sample& sample);
 std::vector<Exhibit> HsvExhibits(const Sample& sample);
 std::vector<Exhibit> PlanesExhibits(const Sample& sample);
 std::vector<Exhibit> LuminanceExhibits(const Sample& sample);
+std::vector<Exhibit> MaskExhibits(const Sample& sample);
+std::vector<Exhibit> FilterExhibits(const Sample& sample);
+std::vector<Exhibit> WaveletExhibits(const Sample& sample);
 std::vector<Exhibit> ZoomExhibits(const Sample& sample);
 std::vector<Exhibit> RectangleExhibits(const Sample& sample);
 

@@ -89,6 +89,7 @@ std::string TimeRows(const Timing& timing) {
 std::string Verdict(const Timing& timing) {
     if (timing.byHost) return "<span>No routine of the library</span>";
     if (timing.onlyMultiThread) return "<span>No plain form</span>";
+    if (timing.notCompared != nullptr) return Join({"<span>", timing.notCompared, "</span>"});
     if (!timing.multiThreadMs) return "<span>No MultiThread form</span>";
     if (!timing.sameBytes) return "<span class=\"different\">DIFFERENT bytes</span>";
     return "<span class=\"same\">Same bytes</span>";
@@ -129,7 +130,7 @@ void Sheet::BeginSection(const std::string& title, const std::string& introducti
 void Sheet::Add(const Exhibit& exhibit, const Shown& shown, const std::string& fileName,
                 const std::vector<uint8_t>& viewPng, Size viewSize) {
     ++m_pictures;
-    if (shown.timing.multiThreadMs) {
+    if (shown.timing.multiThreadMs && shown.timing.notCompared == nullptr) {
         ++m_compared;
         if (!shown.timing.sameBytes) ++m_different;
     }
