@@ -192,6 +192,7 @@ float FastExponential(float e) { return JbiKernelsInForce().weight(e, kJbiExpone
 
 int CZJBISigmaTask::Run() {
     constexpr int kRun = 512;
+    if (m_nSrcWidth <= kFrame) return 1;
     const tq::JbiKernels& kernels = tq::JbiKernelsInForce();
     const int windows = m_nSrcWidth - kFrame;
     for (int first = 0; first < windows; first += kRun) {

@@ -9,8 +9,8 @@ namespace tq {
 void IPL_JBISigma(const unsigned char* row0, const unsigned char* row1, const unsigned char* row2,
                   const unsigned char* row3, const unsigned char* row4, float* out, int sum);
 
-// exp(e) for e of 0 or less, by the tables down to -64.0156 and by the runtime's exp beyond; above
-// 0 by the runtime's exp too.
+// exp(e): by the tables from just above 0 down to -64.0156, by the runtime's exp beyond on both
+// sides.
 float FastExponential(float e);
 
 }  // namespace tq
