@@ -16,6 +16,10 @@ inline uint8_t Held(int32_t value) {
     return static_cast<uint8_t>(value < 0 ? 0 : value > 255 ? 255 : value);
 }
 
+inline uint32_t Product(int32_t a, int32_t b) {
+    return static_cast<uint32_t>(a) * static_cast<uint32_t>(b);
+}
+
 // Four taps of kLanes32 columns from the bytes at row + begin.
 inline U32v FourTaps(const uint8_t* row, const int32_t* begin) {
     U32v taps;
@@ -121,9 +125,9 @@ void BlendTaps(const int32_t* const* rows, const int32_t* weights, ptrdiff_t cou
         Store(dst + i, PackHeld(v[0], v[1], v[2], v[3]));
     }
     for (; i < count; ++i) {
-        int32_t sum = kHalf20;
-        for (int k = 0; k < kTaps; ++k) sum += row[k][i] * weights[k];
-        dst[i] = Held(sum >> 20);
+        uint32_t sum = kHalf20;
+        for (int k = 0; k < kTaps; ++k) sum += Product(row[k][i], weights[k]);
+        dst[i] = Held(static_cast<int32_t>(sum) >> 20);
     }
 }
 
@@ -177,9 +181,9 @@ void BlendBytes(const uint8_t* const* rows, const int32_t* weights, ptrdiff_t ta
         Store(dst + i, PackHeld(sumsAt(i), sumsAt(i + kLanes32), sumsAt(i + 2 * kLanes32),
                                 sumsAt(i + 3 * kLanes32)));
     for (; i < count; ++i) {
-        int32_t sum = kHalf10;
-        for (ptrdiff_t k = 0; k < taps; ++k) sum += rows[k][i] * weights[k];
-        dst[i] = Held(sum >> 10);
+        uint32_t sum = kHalf10;
+        for (ptrdiff_t k = 0; k < taps; ++k) sum += Product(rows[k][i], weights[k]);
+        dst[i] = Held(static_cast<int32_t>(sum) >> 10);
     }
 }
 

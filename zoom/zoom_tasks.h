@@ -78,8 +78,9 @@ public:
     int Run() override;
 };
 
-// Source rows of the cubic zooms. m_nDstStride counts bytes, or 32-bit values where the sums go to
-// m_pIntermediate.
+// Source rows of the cubic zooms. Weights are records as in weights.h, of eight taps at most and
+// below 2048 together in magnitude, as all tables have them. m_nDstStride counts bytes, or 32-bit
+// values where the sums go to m_pIntermediate.
 class CZCubicXTask final : public CTQIPLTaskBase {
 public:
     int Run() override;
@@ -100,8 +101,8 @@ public:
     bool m_bOutOfMemory = false;  // set by Run, which must not throw
 };
 
-// Destination columns of the cubic zooms. m_nSrcStride counts bytes, or 32-bit values where the
-// samples come from m_pIntermediate.
+// Destination columns of the cubic zooms, with weights as above. m_nSrcStride counts bytes, or
+// 32-bit values where the samples come from m_pIntermediate.
 class CZCubicYTask final : public CTQIPLTaskBase {
 public:
     int Run() override;
