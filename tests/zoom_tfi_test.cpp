@@ -505,6 +505,15 @@ TEST(ZoomTfi, ATaskWritesItsRowsAndReturns1) {
     }
 }
 
+// What the kernels' bound of their error rests on (zoom/tfi_kernels.h).
+TEST(ZoomTfi, TheRuntimesExponentialIsAsNearAsTheKernelsAssume) {
+    for (int i = 0; i <= 46 * 8192; ++i) {
+        const float exponent = static_cast<float>(i) / -8192.0f;
+        const double exact = std::exp(static_cast<double>(exponent));
+        ASSERT_LE(std::fabs(std::exp(exponent) - exact), exact * 0x1p-19) << exponent;
+    }
+}
+
 TEST(ZoomTfi, SeveralThreadsZoomDifferentImagesAtOnce) {
     tqtest::Settings settings;
     settings.UseProcessors(4);
