@@ -56,19 +56,6 @@ void ReleaseAll(CZ6CubicTablePool& pool) {
         while (pool.m_arrTables.GetAt(i)->m_nRefCount > 0) pool.Release(pool.m_arrTables.GetAt(i));
 }
 
-// Any other thread than the pool's owner can use it.
-bool IsUnlocked(CZ6CubicTablePool& pool) {
-    std::atomic<bool> done{false};
-    std::thread other([&] {
-        pool.Release(pool.Acquire(3, 4));
-        done = true;
-    });
-    const bool came = tqtest::Eventually([&] { return done.load(); });
-    if (!came) std::abort();  // the thread cannot be joined
-    other.join();
-    return came;
-}
-
 // ---- Classes ------------------------------------------------------------------------------------
 
 template <class A, class B> bool Precedes(const A& a, const B& b) {
@@ -340,6 +327,19 @@ TEST(SixCubicPool, AZoomWithoutPagesEqualsTheReference) {
 }
 
 #if TQTEST_REPLACES_NEW
+
+// Any other thread than the pool's owner can use it.
+bool IsUnlocked(CZ6CubicTablePool& pool) {
+    std::atomic<bool> done{false};
+    std::thread other([&] {
+        pool.Release(pool.Acquire(3, 4));
+        done = true;
+    });
+    const bool came = tqtest::Eventually([&] { return done.load(); });
+    if (!came) std::abort();  // the thread cannot be joined
+    other.join();
+    return came;
+}
 
 TEST(SixCubicPool, WeightsOnTheHeapAreZeroBehindTheRecordsAndAreReleased) {
     SeenPages seen;
