@@ -57,7 +57,7 @@ inline bool RunsPlain(BandRule rule) { return rule.plainAtOneProcessor && g_IPLP
 
 // Whether the rows of an image share bytes, so that two tasks that write different rows would write
 // the same memory. Sizes of 1 or more.
-inline bool RowsOverlap(int width, int64_t stride) { return stride < width && -stride < width; }
+inline bool RowsOverlap(int64_t width, int64_t stride) { return stride < width && -stride < width; }
 
 // The body of a Run that needs memory. Run must not throw: what runs out is noted in the task's
 // m_bOutOfMemory, for whoever waits for the task.
@@ -102,7 +102,7 @@ public:
 
     // The same for tasks that write rows of their own in one image: one after the other where those
     // rows share bytes.
-    void RunOnRows(int width, int64_t stride) {
+    void RunOnRows(int64_t width, int64_t stride) {
         if (!RowsOverlap(width, stride)) return Run();
         for (int i = 0; i < Count(); ++i) At(i).Run();
         ThrowIfAnyOutOfMemory();

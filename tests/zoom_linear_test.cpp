@@ -360,6 +360,18 @@ TEST(ZoomLinear, VeryWideAndVeryTallImagesEqualTheReference) {
     }
 }
 
+// The last position of 2^24 + 2 samples is rounded to that of the last but one.
+TEST(ZoomLinear, PositionsBeyondWhatAFloatCountsStayAtTheSampleTheyAreRoundedTo) {
+    constexpr int kSource = 16777218, kDestination = 16777222;
+    std::vector<uint8_t> src(kSource), dst(kDestination);
+    for (int i = 0; i < kSource; ++i) src[i] = static_cast<uint8_t>(i % 251);
+    src[16777216] = 73;
+    src[16777217] = 110;
+    IPL_ZoomLinear_8u_C1R(kSource, 1, kSource, src.data(), kDestination, 1, kDestination,
+                          dst.data());
+    for (int i = 16777219; i < kDestination; ++i) EXPECT_EQ(dst[i], 73) << i;
+}
+
 TEST(ZoomLinear, VideoSizesEqualTheReference) {
     // Bands of this size run at the same time, not one after the other.
     tqtest::Settings settings;

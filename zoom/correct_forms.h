@@ -71,7 +71,7 @@ void ZoomCorrectMultiThread(const ZoomImages& images, int channels) {
         task.m_pScratch = scratch.Data() + i * sizeof(BandScratch);
         row += plan.Length(i);
     }
-    tasks.Run();
+    tasks.RunOnRows(int64_t{images.dstWidth} * channels, images.dstStride);
 }
 
 // The body of a task: calls rows(images, scratch) if there is anything to do.

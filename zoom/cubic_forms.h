@@ -22,6 +22,7 @@ template <class Table> void ZoomCubicPlain(const ZoomImages& images, int channel
         const Table rows(images.srcHeight, images.dstHeight);
         ZoomCubicY(images, channels, rows.Records());
     } else {
+        // Both tables are held at once, since both passes go together.
         const Table columns(images.srcWidth, images.dstWidth);
         const Table rows(images.srcHeight, images.dstHeight);
         ZoomCubicXY(images, channels, columns.Records(), rows.Records());
@@ -48,7 +49,10 @@ inline void RunCubicXBands(const ZoomImages& images, int channels, const int* re
         task.m_nChannelMode = channels == 4;
         task.m_bToIntermediate = sums != nullptr;
     }
-    tasks.Run();
+    if (sums)
+        tasks.Run();
+    else
+        tasks.RunOnRows(int64_t{images.dstWidth} * channels, images.dstStride);
 }
 
 // Destination columns in bands; from the sums, or from the source if there are none.
@@ -71,7 +75,7 @@ inline void RunCubicYBands(const ZoomImages& images, int channels, const int* re
         task.m_pWeights = records;
         task.m_nChannelMode = channels == 4;
     }
-    tasks.Run();
+    tasks.RunOnRows(int64_t{images.dstWidth} * channels, images.dstStride);
 }
 
 // Both passes over groups of destination columns, whose sums stay in the caches. False if a single

@@ -45,14 +45,15 @@ public:
           m_last(srcLength - 1),
           m_lastPosition(static_cast<float>(srcLength - 1)) {}
 
-    // The index is at most the last one, whose fraction is always 0, also where a length is beyond
-    // what a float counts.
+    // The index is at most the last one, whose fraction is always 0. Where a length is beyond what
+    // a float counts, the last position may be rounded to another sample's.
     LinearSample At(int i) const {
         float position = static_cast<float>(i) * m_scale + m_offset;
         if (0.0f > position) position = 0.0f;
-        if (!(position < m_lastPosition)) return {m_last, 0.0f};
-        const int index = static_cast<int>(position);
-        return {index, position - static_cast<float>(index)};
+        if (!(position < m_lastPosition)) position = m_lastPosition;
+        const auto index = static_cast<int64_t>(position);
+        if (index >= m_last) return {m_last, 0.0f};
+        return {static_cast<int>(index), position - static_cast<float>(index)};
     }
 
     int Last() const { return m_last; }

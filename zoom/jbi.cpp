@@ -93,7 +93,8 @@ void InterpolateMultiThread(const CZJBITask& whole) {
         task.m_nRowEnd = row += plan.Length(i);
         task.m_pScratch = memory.Data() + i * sizeof(JbiScratch);
     }
-    tasks.Run();
+    const int channels = whole.m_nChannelMode == 0 ? 1 : 4;
+    tasks.RunOnRows(int64_t{whole.m_nDstWidth} * channels, whole.m_nDstStride);
 }
 
 constexpr Stages kPlain = {IPL_ZoomSuper_8u_C1R,        IPL_ZoomSuper_8u_C4R, IPL_ARGB2LUM,

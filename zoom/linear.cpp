@@ -262,7 +262,7 @@ template <int kChannels, class Task> void ZoomMultiThread(const tq::ZoomImages& 
             task.m_pColumns = &run.Columns();
             task.m_pScratch = run.Scratch(i);
         }
-        tasks.Run();
+        tasks.RunOnRows(int64_t{images.dstWidth} * kChannels, images.dstStride);
     }
 }
 

@@ -358,7 +358,7 @@ void RunBands(const tq::ZoomImages& images, int channels, const tq::BandPlan& pl
         task.m_pColumns = &run->Columns();
         task.m_pScratch = run->Scratch(i);
     }
-    tasks.RunOnRows(tq::Mul32(images.dstWidth, channels), images.dstStride);
+    tasks.RunOnRows(int64_t{images.dstWidth} * channels, images.dstStride);
 }
 
 // All memory is taken here, if any: a task that could not have it would have nobody to tell.

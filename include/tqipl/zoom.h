@@ -4,15 +4,18 @@
 
 // Scaling of 8-bit images from srcWidth x srcHeight to dstWidth x dstHeight pixels. The C1R forms
 // take one byte a pixel, the C4R forms four, which are scaled alike; where a method weighs by
-// luminance, the four are B, G, R, A. Strides are in bytes and may be negative. Source and
-// destination must not overlap.
+// luminance, the four are B, G, R, A. Strides are in bytes and may be negative; row offsets are
+// formed in 32 bits, so that an image must lie within 2^31 bytes. Source and destination must not
+// overlap, but for a copy onto itself at equal sizes, and rows of the destination must not overlap
+// either. Throws std::bad_alloc when memory is exhausted; the destination may then be written in
+// part.
 //
 // All methods but nearest neighbour begin alike. A null pointer does nothing. Equal sizes are
 // copied. If the source has a width or height below 1, the destination is set to zero bytes, alpha
 // included; a destination width or height below 1 writes nothing.
 //
 // Each MultiThread form gives the bytes of its plain form, at any number of processors, but for
-// the cubic, super and TFI forms that say otherwise.
+// the cubic, super and TFI forms that say otherwise, and for calls that are handed to these.
 
 // Nearest neighbour: the pixel at the truncated position index * src / dst. A null pointer does
 // nothing. A source width or height of 0 takes the first column or row all the same, and a negative
@@ -78,8 +81,8 @@ TQIPL_API void IPL_ZoomCubicMultiThread_8u_C4R(int srcWidth, int srcHeight, int 
                                                int dstStride, unsigned char* dst);
 
 // Six-tap cubic: as IPL_ZoomCubic with all six taps of the kernel, and every form honours
-// srcStride. The weights of a pair of lengths are made once in the life of the process, and the
-// latest three hundred or so are kept.
+// srcStride. The weights of a pair of lengths are kept for later calls; beyond some 300 pairs, the
+// ones made first that are not in use go.
 TQIPL_API void IPL_Zoom6Cubic_8u_C1R(int srcWidth, int srcHeight, int srcStride, unsigned char* src,
                                      int dstWidth, int dstHeight, int dstStride,
                                      unsigned char* dst);
