@@ -3,10 +3,6 @@
 // The routes of the cubic zooms. Table(srcLength, dstLength) holds an axis's weights while it
 // lives, and Records() gives them.
 
-#include <tqipl/buffer.h>
-
-#include <algorithm>
-
 #include "frame/band.h"
 #include "zoom/cubic_passes.h"
 #include "zoom/geometry.h"
@@ -29,8 +25,8 @@ template <class Table> void ZoomCubicPlain(const ZoomImages& images, int channel
     }
 }
 
-// Source rows in bands; to the sums, or to the destination if there are none.
-inline void RunCubicXBands(const ZoomImages& images, int channels, const int* records, int* sums) {
+// Rows in bands.
+inline void RunCubicXBands(const ZoomImages& images, int channels, const int* records) {
     const BandPlan plan = PlanBands(kBandFormB, images.srcHeight);
     TaskSet<CZCubicXTask> tasks;
     int row = 0;
@@ -40,33 +36,26 @@ inline void RunCubicXBands(const ZoomImages& images, int channels, const int* re
         task.m_nSrcStride = images.srcStride;
         task.m_pSrc = images.src;
         task.m_nDstWidth = images.dstWidth;
-        task.m_nDstStride = sums ? images.dstWidth * channels : images.dstStride;
-        task.m_pIntermediate = sums;
-        task.m_pDst = sums ? nullptr : images.dst;
+        task.m_nDstStride = images.dstStride;
+        task.m_pDst = images.dst;
         task.m_nRowBegin = row;
         task.m_nRowEnd = row += plan.Length(i);
         task.m_pWeights = records;
         task.m_nChannelMode = channels == 4;
-        task.m_bToIntermediate = sums != nullptr;
     }
-    if (sums)
-        tasks.Run();
-    else
-        tasks.RunOnRows(int64_t{images.dstWidth} * channels, images.dstStride);
+    tasks.RunOnRows(int64_t{images.dstWidth} * channels, images.dstStride);
 }
 
-// Destination columns in bands; from the sums, or from the source if there are none.
-inline void RunCubicYBands(const ZoomImages& images, int channels, const int* records, int* sums) {
+// Columns in bands.
+inline void RunCubicYBands(const ZoomImages& images, int channels, const int* records) {
     const BandPlan plan = PlanBands(kBandFormB, images.dstWidth);
     TaskSet<CZCubicYTask> tasks;
     int column = 0;
     for (int i = 0; i < plan.count; ++i) {
         CZCubicYTask& task = tasks.Add();
         task.m_nSrcHeight = images.srcHeight;
-        task.m_nSrcStride = sums ? images.dstWidth * channels : images.srcStride;
-        task.m_pIntermediate = sums;
-        task.m_pSrc = sums ? nullptr : images.src;
-        task.m_bFromIntermediate = sums != nullptr;
+        task.m_nSrcStride = images.srcStride;
+        task.m_pSrc = images.src;
         task.m_nDstHeight = images.dstHeight;
         task.m_nDstStride = images.dstStride;
         task.m_pDst = images.dst;
@@ -78,42 +67,52 @@ inline void RunCubicYBands(const ZoomImages& images, int channels, const int* re
     tasks.RunOnRows(int64_t{images.dstWidth} * channels, images.dstStride);
 }
 
-// Both passes over groups of destination columns, whose sums stay in the caches. False if a single
-// column's sums are more than the manager gives.
-inline bool RunCubicGroups(const ZoomImages& images, int channels, const int* columnRecords,
-                           const int* rowRecords) {
-    constexpr int64_t kBytesPerProcessor = 1 << 21;
-    constexpr int64_t kMostBytes = 0x40000000;
-    const int64_t columnBytes = int64_t{images.srcHeight} * channels * 4;
-    if (columnBytes > kMostBytes) return false;
-    const int64_t bytes = std::min(kMostBytes, kBytesPerProcessor * g_IPLProcessorCount);
-    const int most =
-        static_cast<int>(std::clamp(bytes / columnBytes, int64_t{1}, int64_t{images.dstWidth}));
-    CTQIPLMemoryAuto memory(static_cast<int>(most * columnBytes), nullptr);
-    int* sums = reinterpret_cast<int*>(memory.Data());
-    ZoomImages group = images;
-    for (int first = 0; first < images.dstWidth; first += group.dstWidth) {
-        group.dstWidth = std::min(most, images.dstWidth - first);
-        group.dst = images.dst + ptrdiff_t{first} * channels;
-        RunCubicXBands(group, channels, columnRecords, sums);
-        RunCubicYBands(group, channels, rowRecords, sums);
-        columnRecords = AfterCubicRecords(columnRecords, group.dstWidth);
+// Both passes of a band of destination columns.
+class CubicBandTask final : public CTQIPLTaskBase {
+public:
+    int Run() override {
+        return RunInTask(
+            *this, [this] { ZoomCubicXY(m_images, m_channels, m_columnRecords, m_rowRecords); });
     }
-    return true;
+
+    ZoomImages m_images{};
+    int m_channels = 0;
+    const int* m_columnRecords = nullptr;
+    const int* m_rowRecords = nullptr;
+    bool m_bOutOfMemory = false;
+};
+
+// A band's sums of source rows are of use to no other band, so each takes both passes by itself:
+// the bytes of a pass over rows and one over columns, without the image of sums between them.
+inline void RunCubicBands(const ZoomImages& images, int channels, const int* columnRecords,
+                          const int* rowRecords) {
+    const BandPlan plan = PlanBands(kBandFormB, images.dstWidth);
+    TaskSet<CubicBandTask> tasks;
+    ZoomImages band = images;
+    for (int i = 0; i < plan.count; ++i) {
+        CubicBandTask& task = tasks.Add();
+        band.dstWidth = plan.Length(i);
+        task.m_images = band;
+        task.m_channels = channels;
+        task.m_columnRecords = columnRecords;
+        task.m_rowRecords = rowRecords;
+        columnRecords = AfterCubicRecords(columnRecords, band.dstWidth);
+        band.dst += ptrdiff_t{band.dstWidth} * channels;
+    }
+    tasks.RunOnRows(int64_t{images.dstWidth} * channels, images.dstStride);
 }
 
 template <class Table> void ZoomCubicMultiThread(const ZoomImages& images, int channels) {
     if (images.srcHeight == images.dstHeight) {
         const Table columns(images.srcWidth, images.dstWidth);
-        RunCubicXBands(images, channels, columns.Records(), nullptr);
+        RunCubicXBands(images, channels, columns.Records());
     } else if (images.srcWidth == images.dstWidth) {
         const Table rows(images.srcHeight, images.dstHeight);
-        RunCubicYBands(images, channels, rows.Records(), nullptr);
+        RunCubicYBands(images, channels, rows.Records());
     } else {
         const Table columns(images.srcWidth, images.dstWidth);
         const Table rows(images.srcHeight, images.dstHeight);
-        if (!RunCubicGroups(images, channels, columns.Records(), rows.Records()))
-            ZoomCubicXY(images, channels, columns.Records(), rows.Records());
+        RunCubicBands(images, channels, columns.Records(), rows.Records());
     }
 }
 
