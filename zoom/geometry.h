@@ -20,6 +20,12 @@ struct ZoomImages {
     unsigned char* dst;
 };
 
+// Whether both images have pixels.
+inline bool HasPixels(const ZoomImages& images) {
+    return images.srcWidth > 0 && images.srcHeight > 0 && images.dstWidth > 0 &&
+           images.dstHeight > 0;
+}
+
 // The steps that all methods but nearest neighbour begin with. False when the call ends with them:
 // at null pointers, equal sizes, which are copied, and sizes below 1. Otherwise both images have
 // pixels.

@@ -310,11 +310,6 @@ void ZoomRows(const tq::ZoomImages& images, int channels, AreaEnd rowEnd, int be
     }
 }
 
-bool HasPixels(const tq::ZoomImages& images) {
-    return images.srcWidth > 0 && images.srcHeight > 0 && images.dstWidth > 0 &&
-           images.dstHeight > 0;
-}
-
 bool Enlarges(const tq::ZoomImages& images) {
     return images.dstWidth > images.srcWidth || images.dstHeight > images.srcHeight;
 }
@@ -379,7 +374,7 @@ int CZoomSuperTask::Run() {
     const int channels = m_nChannelMode == 0 ? 1 : 4;
     const tq::ZoomImages images = {m_nSrcWidth, m_nSrcHeight, m_nSrcStride, m_pSrc,
                                    m_nDstWidth, m_nDstHeight, m_nDstStride, m_pDst};
-    if (!HasPixels(images)) return 1;
+    if (!tq::HasPixels(images)) return 1;
     return tq::RunInTask(*this, [&] {
         if (m_pColumns != nullptr)
             ZoomRows(images, channels, AreaEnd::kBeginPlusScale, *m_pColumns, m_pScratch,

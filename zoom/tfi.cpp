@@ -185,11 +185,6 @@ private:
     bool m_suitsKernels = false;
 };
 
-bool HasPixels(const tq::ZoomImages& images) {
-    return images.srcWidth > 0 && images.srcHeight > 0 && images.dstWidth > 0 &&
-           images.dstHeight > 0;
-}
-
 // Rows `begin` to `end` - 1.
 void ZoomRows(const tq::ZoomImages& images, tq::TFISpread spread, tq::TFIScratch& scratch,
               int begin, int end) {
@@ -250,7 +245,7 @@ void ZoomFourChannels(const tq::ZoomImages& images, ZoomFunction zoomPlane) {
 int CZoomTFITask_8u_C1R::Run() {
     const tq::ZoomImages images = {m_nSrcWidth, m_nSrcHeight, m_nSrcStride, m_pSrc,
                                    m_nDstWidth, m_nDstHeight, m_nDstStride, m_pDst};
-    if (!HasPixels(images)) return 1;
+    if (!tq::HasPixels(images)) return 1;
     return tq::RunInTask(*this, [&] {
         if (m_pScratch != nullptr)
             ZoomRows(images, tq::TFISpread::kDeviation, *m_pScratch, m_nRowBegin, m_nRowEnd);

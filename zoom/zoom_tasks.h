@@ -78,7 +78,7 @@ public:
     int Run() override;
 };
 
-// Source rows of the cubic zooms. Weights are records as in weights.h, of eight taps at most and
+// Source rows of the cubic zooms. Weights are records as in weights.h, of six taps at most and
 // below 2048 together in magnitude, as all tables have them. m_nDstStride counts bytes, or 32-bit
 // values where the sums go to m_pIntermediate.
 class CZCubicXTask final : public CTQIPLTaskBase {
