@@ -15,7 +15,7 @@
 #include "support/correct_check.h"
 #include "support/guarded_buffer.h"
 #include "support/settings.h"
-#include "support/zoom_check.h"
+#include "support/zoom_preamble.h"
 #include "zoom/zoom_tasks.h"
 
 namespace {
@@ -24,6 +24,7 @@ using tqtest::Content;
 using tqtest::GuardedBuffer;
 using tqtest::GuardedImage;
 using tqtest::ZoomForm;
+using tqtest::ZoomPreamble;
 using tqtest::ZoomSizes;
 
 // What is left to the six-tap zoom is left to the library's own, which has tests of its own.
@@ -221,28 +222,8 @@ TEST(ZoomCubicCorrect, ExactlyTwiceIsCorrectedInsideARingOfTwoCells) {
 
 // ---- What comes before the method ---------------------------------------------------------------
 
-TEST(ZoomCubicCorrect, NullPointersWriteNothing) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectNullPointersWriteNothing(form);
-}
-
-TEST(ZoomCubicCorrect, EqualSizesAreCopied) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectEqualSizesAreCopied(form);
-}
-
-TEST(ZoomCubicCorrect, SourceSizesBelowOneGiveBlack) {
-    for (const ZoomForm& form : kForms)
-        for (auto [width, height] :
-             {std::pair{0, 3}, {5, 0}, {0, 0}, {-1, 3}, {5, -1}, {-2, -2}, {-2147483647 - 1, 3}})
-            tqtest::ExpectGivesBlack(form, width, height);
-}
-
-TEST(ZoomCubicCorrect, DestinationSizesBelowOneWriteNothing) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectBadDestinationsWriteNothing(form);
-}
-
-TEST(ZoomCubicCorrect, SmallAndBadSizesEqualTheReference) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectSmallAndBadSizesEqualReference(form);
-}
+INSTANTIATE_TEST_SUITE_P(ZoomCubicCorrect, ZoomPreamble, testing::ValuesIn(kForms),
+                         tqtest::ZoomFormName);
 
 // ---- The reference at every level ---------------------------------------------------------------
 
@@ -326,17 +307,6 @@ TEST(ZoomCubicCorrect, VideoSizesEqualTheReference) {
     ASSERT_TRUE(tqtest::EqualsReference(kThreadedC1, {720, 486, 1920, 1080},
                                         tqtest::ZoomLayouts()[3], Content::kHostile, 1,
                                         {tq::DetectIsaLevel()}));
-}
-
-TEST(ZoomCubicCorrect, ASourceStrideOf0RepeatsOneRow) {
-    for (const ZoomForm& form : kForms) {
-        GuardedImage src(9 * form.channels, 1, {});
-        GuardedImage dst(21 * form.channels, 17, {}), expected(21 * form.channels, 17, {});
-        tqtest::Fill(src.Memory(), src.Size(), Content::kNoise, 9);
-        form.function(9, 8, 0, src.First(), 21, 17, dst.Stride(), dst.First());
-        form.reference(9, 8, 0, src.First(), 21, 17, expected.Stride(), expected.First());
-        EXPECT_EQ(dst.Copy(), expected.Copy()) << form.name;
-    }
 }
 
 // ---- Bands --------------------------------------------------------------------------------------

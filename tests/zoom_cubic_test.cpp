@@ -15,7 +15,7 @@
 #include "reference/zoom_cubic_reference.h"
 #include "support/guarded_buffer.h"
 #include "support/settings.h"
-#include "support/zoom_check.h"
+#include "support/zoom_preamble.h"
 #include "zoom/weights.h"
 
 namespace {
@@ -24,6 +24,7 @@ using tqtest::Content;
 using tqtest::GuardedBuffer;
 using tqtest::GuardedImage;
 using tqtest::ZoomForm;
+using tqtest::ZoomPreamble;
 using tqtest::ZoomSizes;
 
 const ZoomForm kPlainC1 = {"IPL_ZoomCubic_8u_C1R", IPL_ZoomCubic_8u_C1R, tqref::ZoomCubicPlainC1,
@@ -295,55 +296,9 @@ TEST(ZoomCubic, OneChannelHonoursTheStrideWhereTheWidthsDiffer) {
     }
 }
 
-TEST(ZoomCubic, ASourceStrideOf0RepeatsOneRow) {
-    for (const ZoomForm& form : kForms)
-        for (const ZoomSizes& s : {ZoomSizes{5, 4, 9, 7}, {5, 4, 9, 4}, {5, 4, 2, 3}}) {
-            GuardedImage src(s.srcWidth * form.channels, 1, {});
-            GuardedImage dst(s.dstWidth * form.channels, s.dstHeight, {});
-            GuardedImage expected(s.dstWidth * form.channels, s.dstHeight, {});
-            tqtest::Fill(src.Memory(), src.Size(), Content::kNoise, 9);
-            form.function(s.srcWidth, s.srcHeight, 0, src.First(), s.dstWidth, s.dstHeight,
-                          dst.Stride(), dst.First());
-            form.reference(s.srcWidth, s.srcHeight, 0, src.First(), s.dstWidth, s.dstHeight,
-                           expected.Stride(), expected.First());
-            EXPECT_EQ(dst.Copy(), expected.Copy()) << form.name;
-        }
-}
-
 // ---- What comes before the method ---------------------------------------------------------------
 
-TEST(ZoomCubic, NullPointersWriteNothing) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectNullPointersWriteNothing(form);
-}
-
-TEST(ZoomCubic, EqualSizesAreCopied) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectEqualSizesAreCopied(form);
-}
-
-TEST(ZoomCubic, EqualSizesInPlaceChangeNothing) {
-    for (const ZoomForm& form : kForms) {
-        GuardedImage image(7 * form.channels, 5, {GuardedBuffer::kEnd, 3});
-        tqtest::Fill(image.Memory(), image.Size(), Content::kNoise, 8);
-        const std::vector<uint8_t> before = image.Copy();
-        form.function(7, 5, image.Stride(), image.First(), 7, 5, image.Stride(), image.First());
-        EXPECT_EQ(image.Copy(), before) << form.name;
-    }
-}
-
-TEST(ZoomCubic, SourceSizesBelowOneGiveBlack) {
-    for (const ZoomForm& form : kForms)
-        for (auto [width, height] :
-             {std::pair{0, 3}, {5, 0}, {0, 0}, {-1, 3}, {5, -1}, {-2, -2}, {-2147483647 - 1, 3}})
-            tqtest::ExpectGivesBlack(form, width, height);
-}
-
-TEST(ZoomCubic, DestinationSizesBelowOneWriteNothing) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectBadDestinationsWriteNothing(form);
-}
-
-TEST(ZoomCubic, SmallAndBadSizesEqualTheReference) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectSmallAndBadSizesEqualReference(form);
-}
+INSTANTIATE_TEST_SUITE_P(ZoomCubic, ZoomPreamble, testing::ValuesIn(kForms), tqtest::ZoomFormName);
 
 // ---- The reference at every level ---------------------------------------------------------------
 

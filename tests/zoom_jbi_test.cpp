@@ -12,7 +12,7 @@
 #include "reference/zoom_jbi_reference.h"
 #include "support/guarded_buffer.h"
 #include "support/settings.h"
-#include "support/zoom_check.h"
+#include "support/zoom_preamble.h"
 
 namespace {
 
@@ -20,6 +20,7 @@ using tqtest::Content;
 using tqtest::GuardedBuffer;
 using tqtest::GuardedImage;
 using tqtest::ZoomForm;
+using tqtest::ZoomPreamble;
 using tqtest::ZoomSizes;
 
 // What is left to the six-tap and the super zoom is left to the library's own, which have tests of
@@ -174,28 +175,7 @@ TEST(ZoomJbi, FourChannelsAreHandedToTheFormThatWasCalled) {
 
 // ---- What comes before the method ---------------------------------------------------------------
 
-TEST(ZoomJbi, NullPointersWriteNothing) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectNullPointersWriteNothing(form);
-}
-
-TEST(ZoomJbi, EqualSizesAreCopied) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectEqualSizesAreCopied(form);
-}
-
-TEST(ZoomJbi, SourceSizesBelowOneGiveBlack) {
-    for (const ZoomForm& form : kForms)
-        for (auto [width, height] :
-             {std::pair{0, 3}, {5, 0}, {0, 0}, {-1, 3}, {5, -1}, {-2, -2}, {-2147483647 - 1, 3}})
-            tqtest::ExpectGivesBlack(form, width, height);
-}
-
-TEST(ZoomJbi, DestinationSizesBelowOneWriteNothing) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectBadDestinationsWriteNothing(form);
-}
-
-TEST(ZoomJbi, SmallAndBadSizesEqualTheReference) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectSmallAndBadSizesEqualReference(form);
-}
+INSTANTIATE_TEST_SUITE_P(ZoomJbi, ZoomPreamble, testing::ValuesIn(kForms), tqtest::ZoomFormName);
 
 // ---- The reference at every level ---------------------------------------------------------------
 
@@ -316,17 +296,6 @@ TEST(ZoomJbi, VideoSizesEqualTheReference) {
     ASSERT_TRUE(tqtest::EqualsReference(kThreadedC4, {720, 486, 1920, 1080},
                                         tqtest::ZoomLayouts()[1], Content::kNoise, 1,
                                         {tq::DetectIsaLevel()}));
-}
-
-TEST(ZoomJbi, ASourceStrideOf0RepeatsOneRow) {
-    for (const ZoomForm& form : kForms) {
-        GuardedImage src(9 * form.channels, 1, {});
-        GuardedImage dst(21 * form.channels, 17, {}), expected(21 * form.channels, 17, {});
-        tqtest::Fill(src.Memory(), src.Size(), Content::kNoise, 9);
-        form.function(9, 8, 0, src.First(), 21, 17, dst.Stride(), dst.First());
-        form.reference(9, 8, 0, src.First(), 21, 17, expected.Stride(), expected.First());
-        EXPECT_EQ(dst.Copy(), expected.Copy()) << form.name;
-    }
 }
 
 // ---- Bands --------------------------------------------------------------------------------------

@@ -16,7 +16,7 @@
 #include "support/correct_check.h"
 #include "support/guarded_buffer.h"
 #include "support/settings.h"
-#include "support/zoom_check.h"
+#include "support/zoom_preamble.h"
 #include "zoom/correct.h"
 #include "zoom/zoom_tasks.h"
 
@@ -26,6 +26,7 @@ using tqtest::Content;
 using tqtest::GuardedBuffer;
 using tqtest::GuardedImage;
 using tqtest::ZoomForm;
+using tqtest::ZoomPreamble;
 using tqtest::ZoomSizes;
 
 const ZoomForm kPlainC1 = {"IPL_ZoomLinearCorrect_8u_C1R", IPL_ZoomLinearCorrect_8u_C1R,
@@ -370,28 +371,8 @@ TEST(ZoomLinearCorrect, ExactlyTwiceIsCorrectedInsideTheRing) {
 
 // ---- What comes before the method ---------------------------------------------------------------
 
-TEST(ZoomLinearCorrect, NullPointersWriteNothing) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectNullPointersWriteNothing(form);
-}
-
-TEST(ZoomLinearCorrect, EqualSizesAreCopied) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectEqualSizesAreCopied(form);
-}
-
-TEST(ZoomLinearCorrect, SourceSizesBelowOneGiveBlack) {
-    for (const ZoomForm& form : kForms)
-        for (auto [width, height] :
-             {std::pair{0, 3}, {5, 0}, {0, 0}, {-1, 3}, {5, -1}, {-2, -2}, {-2147483647 - 1, 3}})
-            tqtest::ExpectGivesBlack(form, width, height);
-}
-
-TEST(ZoomLinearCorrect, DestinationSizesBelowOneWriteNothing) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectBadDestinationsWriteNothing(form);
-}
-
-TEST(ZoomLinearCorrect, SmallAndBadSizesEqualTheReference) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectSmallAndBadSizesEqualReference(form);
-}
+INSTANTIATE_TEST_SUITE_P(ZoomLinearCorrect, ZoomPreamble, testing::ValuesIn(kForms),
+                         tqtest::ZoomFormName);
 
 // ---- The reference at every level ---------------------------------------------------------------
 
@@ -459,17 +440,6 @@ TEST(ZoomLinearCorrect, VideoSizesEqualTheReference) {
                                                 Content::kNoise, 1, {tq::DetectIsaLevel()}));
     ASSERT_TRUE(tqtest::EqualsReference(kPlainC4, {720, 486, 1920, 1080}, tqtest::ZoomLayouts()[3],
                                         Content::kHostile, 1, {tq::DetectIsaLevel()}));
-}
-
-TEST(ZoomLinearCorrect, ASourceStrideOf0RepeatsOneRow) {
-    for (const ZoomForm& form : kForms) {
-        GuardedImage src(9 * form.channels, 1, {});
-        GuardedImage dst(21 * form.channels, 17, {}), expected(21 * form.channels, 17, {});
-        tqtest::Fill(src.Memory(), src.Size(), Content::kNoise, 9);
-        form.function(9, 8, 0, src.First(), 21, 17, dst.Stride(), dst.First());
-        form.reference(9, 8, 0, src.First(), 21, 17, expected.Stride(), expected.First());
-        EXPECT_EQ(dst.Copy(), expected.Copy()) << form.name;
-    }
 }
 
 // ---- Bands --------------------------------------------------------------------------------------

@@ -11,7 +11,7 @@
 #include "reference/zoom_reference.h"
 #include "support/guarded_buffer.h"
 #include "support/settings.h"
-#include "support/zoom_check.h"
+#include "support/zoom_preamble.h"
 #include "zoom/zoom_tasks.h"
 
 namespace {
@@ -20,6 +20,7 @@ using tqtest::Content;
 using tqtest::GuardedBuffer;
 using tqtest::GuardedImage;
 using tqtest::ZoomForm;
+using tqtest::ZoomPreamble;
 using tqtest::ZoomSizes;
 
 const ZoomForm kPlainC1 = {"IPL_ZoomLinear_8u_C1R", IPL_ZoomLinear_8u_C1R, tqref::ZoomLinearC1, 1};
@@ -187,38 +188,7 @@ TEST(ZoomLinear, PositionsAreRoundedToSinglePrecision) {
 
 // ---- What comes before the method ---------------------------------------------------------------
 
-TEST(ZoomLinear, NullPointersWriteNothing) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectNullPointersWriteNothing(form);
-}
-
-TEST(ZoomLinear, EqualSizesAreCopied) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectEqualSizesAreCopied(form);
-}
-
-TEST(ZoomLinear, EqualSizesInPlaceChangeNothing) {
-    for (const ZoomForm& form : kForms) {
-        GuardedImage image(7 * form.channels, 5, {GuardedBuffer::kEnd, 3});
-        tqtest::Fill(image.Memory(), image.Size(), Content::kNoise, 8);
-        const std::vector<uint8_t> before = image.Copy();
-        form.function(7, 5, image.Stride(), image.First(), 7, 5, image.Stride(), image.First());
-        EXPECT_EQ(image.Copy(), before) << form.name;
-    }
-}
-
-TEST(ZoomLinear, SourceSizesBelowOneGiveBlack) {
-    for (const ZoomForm& form : kForms)
-        for (auto [width, height] :
-             {std::pair{0, 3}, {5, 0}, {0, 0}, {-1, 3}, {5, -1}, {-2, -2}, {-2147483647 - 1, 3}})
-            tqtest::ExpectGivesBlack(form, width, height);
-}
-
-TEST(ZoomLinear, DestinationSizesBelowOneWriteNothing) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectBadDestinationsWriteNothing(form);
-}
-
-TEST(ZoomLinear, SmallAndBadSizesEqualTheReference) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectSmallAndBadSizesEqualReference(form);
-}
+INSTANTIATE_TEST_SUITE_P(ZoomLinear, ZoomPreamble, testing::ValuesIn(kForms), tqtest::ZoomFormName);
 
 // ---- The reference at every level ---------------------------------------------------------------
 
@@ -326,18 +296,6 @@ TEST(ZoomLinear, CornersOfExtremesEqualTheReference) {
                         << s.dstWidth << " x " << s.dstHeight << ", corners " << corners << " of "
                         << high << ", level " << tq::IsaLevelName(level);
                 }
-    }
-}
-
-// One row stands for all: the distance of 0 is as good as any.
-TEST(ZoomLinear, ASourceStrideOf0RepeatsOneRow) {
-    for (const ZoomForm& form : kForms) {
-        GuardedImage src(5 * form.channels, 1, {});
-        GuardedImage dst(9 * form.channels, 7, {}), expected(9 * form.channels, 7, {});
-        tqtest::Fill(src.Memory(), src.Size(), Content::kNoise, 9);
-        form.function(5, 4, 0, src.First(), 9, 7, dst.Stride(), dst.First());
-        form.reference(5, 4, 0, src.First(), 9, 7, expected.Stride(), expected.First());
-        EXPECT_EQ(dst.Copy(), expected.Copy()) << form.name;
     }
 }
 

@@ -14,7 +14,7 @@
 #include "reference/zoom_cubic_reference.h"
 #include "support/guarded_buffer.h"
 #include "support/settings.h"
-#include "support/zoom_check.h"
+#include "support/zoom_preamble.h"
 #include "zoom/weights.h"
 
 namespace {
@@ -23,6 +23,7 @@ using tqtest::Content;
 using tqtest::GuardedBuffer;
 using tqtest::GuardedImage;
 using tqtest::ZoomForm;
+using tqtest::ZoomPreamble;
 using tqtest::ZoomSizes;
 
 const ZoomForm kPlainC1 = {"IPL_Zoom6Cubic_8u_C1R", IPL_Zoom6Cubic_8u_C1R, tqref::ZoomSixCubicC1,
@@ -244,55 +245,14 @@ TEST(ZoomSixCubic, EveryFormHonoursTheStrideWhereTheWidthsAreEqual) {
     }
 }
 
-TEST(ZoomSixCubic, ASourceStrideOf0RepeatsOneRow) {
-    for (const ZoomForm& form : kForms)
-        for (const ZoomSizes& s : {ZoomSizes{5, 4, 9, 7}, {5, 4, 9, 4}, {5, 4, 5, 3}}) {
-            GuardedImage src(s.srcWidth * form.channels, 1, {});
-            GuardedImage dst(s.dstWidth * form.channels, s.dstHeight, {});
-            GuardedImage expected(s.dstWidth * form.channels, s.dstHeight, {});
-            tqtest::Fill(src.Memory(), src.Size(), Content::kNoise, 9);
-            form.function(s.srcWidth, s.srcHeight, 0, src.First(), s.dstWidth, s.dstHeight,
-                          dst.Stride(), dst.First());
-            form.reference(s.srcWidth, s.srcHeight, 0, src.First(), s.dstWidth, s.dstHeight,
-                           expected.Stride(), expected.First());
-            EXPECT_EQ(dst.Copy(), expected.Copy()) << form.name;
-        }
+TEST(ZoomSixCubic, ASourceStrideOf0RepeatsOneRowOfEqualWidthToo) {
+    for (const ZoomForm& form : kForms) tqtest::ExpectOneRowForAll(form, {5, 4, 5, 3});
 }
 
 // ---- What comes before the method ---------------------------------------------------------------
 
-TEST(ZoomSixCubic, NullPointersWriteNothing) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectNullPointersWriteNothing(form);
-}
-
-TEST(ZoomSixCubic, EqualSizesAreCopied) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectEqualSizesAreCopied(form);
-}
-
-TEST(ZoomSixCubic, EqualSizesInPlaceChangeNothing) {
-    for (const ZoomForm& form : kForms) {
-        GuardedImage image(7 * form.channels, 5, {GuardedBuffer::kEnd, 3});
-        tqtest::Fill(image.Memory(), image.Size(), Content::kNoise, 8);
-        const std::vector<uint8_t> before = image.Copy();
-        form.function(7, 5, image.Stride(), image.First(), 7, 5, image.Stride(), image.First());
-        EXPECT_EQ(image.Copy(), before) << form.name;
-    }
-}
-
-TEST(ZoomSixCubic, SourceSizesBelowOneGiveBlack) {
-    for (const ZoomForm& form : kForms)
-        for (auto [width, height] :
-             {std::pair{0, 3}, {5, 0}, {0, 0}, {-1, 3}, {5, -1}, {-2, -2}, {-2147483647 - 1, 3}})
-            tqtest::ExpectGivesBlack(form, width, height);
-}
-
-TEST(ZoomSixCubic, DestinationSizesBelowOneWriteNothing) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectBadDestinationsWriteNothing(form);
-}
-
-TEST(ZoomSixCubic, SmallAndBadSizesEqualTheReference) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectSmallAndBadSizesEqualReference(form);
-}
+INSTANTIATE_TEST_SUITE_P(ZoomSixCubic, ZoomPreamble, testing::ValuesIn(kForms),
+                         tqtest::ZoomFormName);
 
 // ---- The reference at every level ---------------------------------------------------------------
 

@@ -13,7 +13,7 @@
 #include "reference/zoom_super_reference.h"
 #include "support/guarded_buffer.h"
 #include "support/settings.h"
-#include "support/zoom_check.h"
+#include "support/zoom_preamble.h"
 #include "zoom/weights.h"
 
 namespace {
@@ -22,6 +22,7 @@ using tqtest::Content;
 using tqtest::GuardedBuffer;
 using tqtest::GuardedImage;
 using tqtest::ZoomForm;
+using tqtest::ZoomPreamble;
 using tqtest::ZoomSizes;
 
 const ZoomForm kPlainC1 = {"IPL_ZoomSuper_8u_C1R", IPL_ZoomSuper_8u_C1R, tqref::ZoomSuperC1, 1};
@@ -227,38 +228,7 @@ TEST(ZoomSuper, OnlyTheMultiThreadFormsUseThePool) {
 
 // ---- What comes before the method ---------------------------------------------------------------
 
-TEST(ZoomSuper, NullPointersWriteNothing) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectNullPointersWriteNothing(form);
-}
-
-TEST(ZoomSuper, EqualSizesAreCopied) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectEqualSizesAreCopied(form);
-}
-
-TEST(ZoomSuper, EqualSizesInPlaceChangeNothing) {
-    for (const ZoomForm& form : kForms) {
-        GuardedImage image(7 * form.channels, 5, {GuardedBuffer::kEnd, 3});
-        tqtest::Fill(image.Memory(), image.Size(), Content::kNoise, 8);
-        const std::vector<uint8_t> before = image.Copy();
-        form.function(7, 5, image.Stride(), image.First(), 7, 5, image.Stride(), image.First());
-        EXPECT_EQ(image.Copy(), before) << form.name;
-    }
-}
-
-TEST(ZoomSuper, SourceSizesBelowOneGiveBlack) {
-    for (const ZoomForm& form : kForms)
-        for (auto [width, height] :
-             {std::pair{0, 3}, {5, 0}, {0, 0}, {-1, 3}, {5, -1}, {-2, -2}, {-2147483647 - 1, 3}})
-            tqtest::ExpectGivesBlack(form, width, height);
-}
-
-TEST(ZoomSuper, DestinationSizesBelowOneWriteNothing) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectBadDestinationsWriteNothing(form);
-}
-
-TEST(ZoomSuper, SmallAndBadSizesEqualTheReference) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectSmallAndBadSizesEqualReference(form);
-}
+INSTANTIATE_TEST_SUITE_P(ZoomSuper, ZoomPreamble, testing::ValuesIn(kForms), tqtest::ZoomFormName);
 
 // ---- The reference at every level ---------------------------------------------------------------
 

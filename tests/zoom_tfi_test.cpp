@@ -16,7 +16,7 @@
 #include "reference/zoom_tfi_reference.h"
 #include "support/guarded_buffer.h"
 #include "support/settings.h"
-#include "support/zoom_check.h"
+#include "support/zoom_preamble.h"
 #include "zoom/tfi.h"
 #include "zoom/zoom_tasks.h"
 
@@ -26,6 +26,7 @@ using tqtest::Content;
 using tqtest::GuardedBuffer;
 using tqtest::GuardedImage;
 using tqtest::ZoomForm;
+using tqtest::ZoomPreamble;
 using tqtest::ZoomSizes;
 
 const ZoomForm kPlainC1 = {"IPL_ZoomTFI_8u_C1R", IPL_ZoomTFI_8u_C1R, tqref::ZoomTfiPlainC1, 1};
@@ -291,28 +292,7 @@ TEST(ZoomTfi, SourcesOfOneRowOrColumnReadNothingOutside) {
 
 // ---- What comes before the method ---------------------------------------------------------------
 
-TEST(ZoomTfi, NullPointersWriteNothing) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectNullPointersWriteNothing(form);
-}
-
-TEST(ZoomTfi, EqualSizesAreCopied) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectEqualSizesAreCopied(form);
-}
-
-TEST(ZoomTfi, SourceSizesBelowOneGiveBlack) {
-    for (const ZoomForm& form : kForms)
-        for (auto [width, height] :
-             {std::pair{0, 3}, {5, 0}, {0, 0}, {-1, 3}, {5, -1}, {-2, -2}, {-2147483647 - 1, 3}})
-            tqtest::ExpectGivesBlack(form, width, height);
-}
-
-TEST(ZoomTfi, DestinationSizesBelowOneWriteNothing) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectBadDestinationsWriteNothing(form);
-}
-
-TEST(ZoomTfi, SmallAndBadSizesEqualTheReference) {
-    for (const ZoomForm& form : kForms) tqtest::ExpectSmallAndBadSizesEqualReference(form);
-}
+INSTANTIATE_TEST_SUITE_P(ZoomTfi, ZoomPreamble, testing::ValuesIn(kForms), tqtest::ZoomFormName);
 
 // ---- The reference at every level ---------------------------------------------------------------
 
@@ -408,17 +388,6 @@ TEST(ZoomTfi, VideoSizesEqualTheReference) {
     for (const ZoomForm& form : {kPlainC4, kThreadedC4})
         ASSERT_TRUE(tqtest::EqualsReference(form, {480, 270, 960, 540}, tqtest::ZoomLayouts()[1],
                                             Content::kNoise, 1, {tq::DetectIsaLevel()}));
-}
-
-TEST(ZoomTfi, ASourceStrideOf0RepeatsOneRow) {
-    for (const ZoomForm& form : kForms) {
-        GuardedImage src(5 * form.channels, 1, {});
-        GuardedImage dst(9 * form.channels, 7, {}), expected(9 * form.channels, 7, {});
-        tqtest::Fill(src.Memory(), src.Size(), Content::kNoise, 9);
-        form.function(5, 4, 0, src.First(), 9, 7, dst.Stride(), dst.First());
-        form.reference(5, 4, 0, src.First(), 9, 7, expected.Stride(), expected.First());
-        EXPECT_EQ(dst.Copy(), expected.Copy()) << form.name;
-    }
 }
 
 // ---- Bands --------------------------------------------------------------------------------------

@@ -420,6 +420,19 @@ inline void ExpectSmallAndBadSizesEqualReference(const ZoomForm& form) {
                 }
 }
 
+// One row stands for all: a source stride of 0 is as good as any.
+inline void ExpectOneRowForAll(const ZoomForm& form, const ZoomSizes& sizes) {
+    GuardedImage src(sizes.srcWidth * form.channels, 1, {});
+    GuardedImage dst(sizes.dstWidth * form.channels, sizes.dstHeight, {});
+    GuardedImage expected(sizes.dstWidth * form.channels, sizes.dstHeight, {});
+    Fill(src.Memory(), src.Size(), Content::kNoise, 9);
+    form.function(sizes.srcWidth, sizes.srcHeight, 0, src.First(), sizes.dstWidth, sizes.dstHeight,
+                  dst.Stride(), dst.First());
+    form.reference(sizes.srcWidth, sizes.srcHeight, 0, src.First(), sizes.dstWidth, sizes.dstHeight,
+                   expected.Stride(), expected.First());
+    EXPECT_EQ(dst.Copy(), expected.Copy()) << form.name;
+}
+
 // One image of one row, or of several, from bytes to bytes; strides as short as they can be.
 inline std::vector<int> ZoomBytes(const ZoomForm& form, const ZoomSizes& sizes,
                                   const std::vector<int>& source) {
