@@ -10,7 +10,6 @@
 #include <climits>
 #include <cstdint>
 #include <cstring>
-#include <iterator>
 #include <memory>
 #include <new>
 #include <type_traits>
@@ -22,6 +21,7 @@
 #include "reference/bilateral_reference.h"
 #include "support/deadline.h"
 #include "support/filter_check.h"
+#include "support/task_fields.h"
 
 namespace {
 
@@ -309,10 +309,7 @@ template <class Task, class Src, class Dst> void ExpectFieldsInOrder() {
         &task,        &task.m_nSrcWidth, &task.m_nSrcHeight, &task.m_nSrcStride,
         &task.m_pSrc, &task.m_nDstWidth, &task.m_nDstHeight, &task.m_nDstStride,
         &task.m_pDst};
-    for (size_t i = 1; i < std::size(fields); ++i)
-        EXPECT_LT(reinterpret_cast<uintptr_t>(fields[i - 1]),
-                  reinterpret_cast<uintptr_t>(fields[i]))
-            << "field " << i;
+    tqtest::ExpectAddressesRise(fields);
 }
 
 TEST(BilateralTasks, FieldsStandInOrder) {

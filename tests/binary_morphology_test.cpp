@@ -17,6 +17,7 @@
 #include "morph/morph_tasks.h"
 #include "reference/morphology_reference.h"
 #include "support/morph_check.h"
+#include "support/task_fields.h"
 
 namespace {
 
@@ -487,18 +488,7 @@ TEST(BinaryMorphology, ANegativeRadiusMakesErosionSetWhatIsNotZeroAndDilationCle
 TEST(BinaryMorphology, NegativeRadiiEqualTheReference) {
     uint32_t seed = 5000;
     for (const Form& form : kForms)
-        for (Radii radii : {Radii{-1, 0},
-                            {0, -1},
-                            {-1, -1},
-                            {-9, 2},
-                            {3, -5},
-                            {kLeast, 1},
-                            {1, kLeast},
-                            {kLeast, kLeast},
-                            {-kMost, -kMost},
-                            {-1, kMost},
-                            {kMost, -1},
-                            {kLeast, kMost}})
+        for (Radii radii : tqtest::kNegativeRadii)
             for (MaskSize size : {MaskSize{6, 5}, {1, 1}, {23, 9}}) {
                 ++seed;
                 ASSERT_TRUE(EqualsReference(form, size, radii, tqtest::kMaskContents[seed % 5],
@@ -524,10 +514,7 @@ template <class Task> void ExpectFieldsInOrder() {
         &task,         &task.m_nWidth,     &task.m_nHeight, &task.m_nSrcStride,
         &task.m_pSrc,  &task.m_nDstStride, &task.m_pDst,    &task.m_bFirst,
         &task.m_bLast, &task.m_nRadiusY,   &task.m_nRadiusX};
-    for (size_t i = 1; i < std::size(fields); ++i)
-        EXPECT_LT(reinterpret_cast<uintptr_t>(fields[i - 1]),
-                  reinterpret_cast<uintptr_t>(fields[i]))
-            << "field " << i;
+    tqtest::ExpectAddressesRise(fields);
 }
 
 TEST(BinaryMorphology, TaskFieldsStandInOrder) {

@@ -518,20 +518,14 @@ TEST(DeepBgr, SizesBelowOneWriteNothing) {
 }
 
 TEST(DeepBgr, NoPointerIsUsedWhereThereIsNoPixel) {
-    Settings settings;
-    for (unsigned processors : {1u, 2u, 8u})
-        for (auto [width, height] : {std::pair{5, 0}, {5, -1}, {0, 1}, {-1, 1}, {0, 9}}) {
-            settings.UseProcessors(processors);
-            for (const Form* form : kPackedForms) {
-                form->plain(width, height, 0, nullptr, 0, nullptr);
-                form->multiThread(width, height, 0, nullptr, 0, nullptr);
-            }
-            for (const DeepPlaneForm* form : kPlaneForms) {
-                PlaneArrays arrays({0, 0}, {nullptr, nullptr});
-                form->plain(width, height, 0, nullptr, arrays.strides, arrays.planes);
-                form->multiThread(width, height, 0, nullptr, arrays.strides, arrays.planes);
-            }
+    for (const Form* form : kPackedForms) tqtest::ExpectNoPointerIsUsedWithoutAPixel(*form);
+    tqtest::ForSizesWithoutAPixel([](int width, int height) {
+        for (const DeepPlaneForm* form : kPlaneForms) {
+            PlaneArrays arrays({0, 0}, {nullptr, nullptr});
+            form->plain(width, height, 0, nullptr, arrays.strides, arrays.planes);
+            form->multiThread(width, height, 0, nullptr, arrays.strides, arrays.planes);
         }
+    });
 }
 
 TEST(DeepBgr, RowsGoFromTheFirstToTheLast) {
@@ -644,19 +638,13 @@ TEST(DeepBgr, TasksOwnTheirArrays) {
     tqtest::ExpectTaskOwnsItsArrays<CZBGRA16b_To_BGR16b_Task>();
 }
 
-template <class Task, int mode> void ExpectModeDoesNothing() {
-    Bytes src(2 * 12, 255), dst(2 * 12, 7);
-    EXPECT_EQ((RunTaskInMode<Task, mode>(2, 2, 12, src.data(), 12, dst.data())), 1) << mode;
-    EXPECT_EQ(dst, Bytes(2 * 12, 7)) << mode;
-}
-
 TEST(DeepBgr, ATaskInAnUnknownModeDoesNothingAndReturns1) {
-    ExpectModeDoesNothing<CZBGRTQ10btoBGRA_Task, 2>();
-    ExpectModeDoesNothing<CZBGRTQ10btoBGRA_Task, -1>();
-    ExpectModeDoesNothing<CZBGRTQ10btoBGRA_Task, 256>();
-    ExpectModeDoesNothing<CZBGRTQ16btoBGRA_Task, 2>();
-    ExpectModeDoesNothing<CZBGRTQ16btoBGRA_Task, -1>();
-    ExpectModeDoesNothing<CZBGRTQ16btoBGRA_Task, 256>();
+    tqtest::ExpectModeDoesNothing<CZBGRTQ10btoBGRA_Task, 2>();
+    tqtest::ExpectModeDoesNothing<CZBGRTQ10btoBGRA_Task, -1>();
+    tqtest::ExpectModeDoesNothing<CZBGRTQ10btoBGRA_Task, 256>();
+    tqtest::ExpectModeDoesNothing<CZBGRTQ16btoBGRA_Task, 2>();
+    tqtest::ExpectModeDoesNothing<CZBGRTQ16btoBGRA_Task, -1>();
+    tqtest::ExpectModeDoesNothing<CZBGRTQ16btoBGRA_Task, 256>();
 }
 
 }  // namespace

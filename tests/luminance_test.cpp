@@ -249,16 +249,7 @@ TEST(Luminance, SizesBelowOneLeaveTheDestinationAlone) {
 }
 
 TEST(Luminance, NoPointerIsUsedWhereThereIsNoPixel) {
-    ForEachForm([](const auto& form) {
-        for (unsigned processors : {1u, 2u, 8u}) {
-            Settings settings;
-            settings.UseProcessors(processors);
-            for (auto [width, height] : {std::pair{5, 0}, {5, -1}, {0, 1}, {-1, 1}, {0, 9}}) {
-                form.plain(width, height, 0, nullptr, 0, nullptr);
-                form.multiThread(width, height, 0, nullptr, 0, nullptr);
-            }
-        }
-    });
+    ForEachForm([](const auto& form) { tqtest::ExpectNoPointerIsUsedWithoutAPixel(form); });
 }
 
 TEST(Luminance, LastBandTakesTheRest) {
@@ -465,22 +456,15 @@ TEST(Luminance, TasksDoThePlainFormsWork) {
     ForEachForm([](const auto& form) { tqtest::ExpectTaskEqualsReference(form); });
 }
 
-template <class Task, int mode, class Dst> void ExpectModeDoesNothing() {
-    std::vector<uint8_t> src(4 * 6, 255);
-    std::vector<Dst> dst(4, 7);
-    EXPECT_EQ((RunTaskInMode<Task, mode>(2, 2, 12, src.data(), 2, dst.data())), 1) << mode;
-    EXPECT_EQ(dst, std::vector<Dst>(4, 7)) << mode;
-}
-
 TEST(Luminance, ATaskInAnUnknownModeDoesNothingAndReturns1) {
-    ExpectModeDoesNothing<CZBGR2LUMTask, 2, uint8_t>();
-    ExpectModeDoesNothing<CZBGR2LUMTask, 3, uint8_t>();
-    ExpectModeDoesNothing<CZBGR2LUMTask, -1, uint8_t>();
-    ExpectModeDoesNothing<CZBGR2LUMTask, 256, uint8_t>();
-    ExpectModeDoesNothing<CZBGR2LUM32, 2, int>();
-    ExpectModeDoesNothing<CZBGR2LUM32, 3, int>();
-    ExpectModeDoesNothing<CZBGR2LUM32, -1, int>();
-    ExpectModeDoesNothing<CZBGR2LUM32, 256, int>();
+    tqtest::ExpectModeDoesNothing<CZBGR2LUMTask, 2, uint8_t>();
+    tqtest::ExpectModeDoesNothing<CZBGR2LUMTask, 3, uint8_t>();
+    tqtest::ExpectModeDoesNothing<CZBGR2LUMTask, -1, uint8_t>();
+    tqtest::ExpectModeDoesNothing<CZBGR2LUMTask, 256, uint8_t>();
+    tqtest::ExpectModeDoesNothing<CZBGR2LUM32, 2, int>();
+    tqtest::ExpectModeDoesNothing<CZBGR2LUM32, 3, int>();
+    tqtest::ExpectModeDoesNothing<CZBGR2LUM32, -1, int>();
+    tqtest::ExpectModeDoesNothing<CZBGR2LUM32, 256, int>();
 }
 
 }  // namespace

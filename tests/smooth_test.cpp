@@ -15,6 +15,7 @@
 #include "reference/smooth_reference.h"
 #include "support/deadline.h"
 #include "support/filter_check.h"
+#include "support/square_window_check.h"
 
 namespace {
 
@@ -342,31 +343,11 @@ TEST(Average, LargeWindowsOfWhiteDoNotLeaveTheirSums) {
 }
 
 TEST(Average, RadiiAboveTheImageStayInside) {
-    tqtest::Deadline deadline;
-    BlockStage stage(2, 512, 8);
-    for (int radius :
-         {4, 5, 6, 100, 23170, 32767, 32768, 46340, 46341, 65535, 1 << 30, INT_MAX - 1, INT_MAX})
-        for (auto [width, height] : {std::pair{1, 1}, {3, 2}, {2, 7}, {9, 5}, {33, 1}, {1, 33}})
-            for (const PlanePair& pair : tqtest::PlanePairs(width, height))
-                ASSERT_TRUE(FilterEqualsReference(stage, pair, tqref::Average, kAverage, radius))
-                    << pair << ", radius " << radius;
+    tqtest::ExpectRadiiAboveTheImageStayInside(tqref::Average, kAverage, 8);
 }
 
 TEST(Average, TheInPlaceFormEqualsTheReference) {
-    BlockStage stage(1, 1024, 9);
-    for (int width : {1, 2, 7, 16, 31})
-        for (int height : {1, 4, 9})
-            for (int stride : {width, width + 1, width + 6})
-                for (int radius : {0, 1, 2, 4, 20}) {
-                    auto defined = [=](int x, int y) {
-                        return radius == 0 ||
-                               tqref::SmoothPixelAt(x, y, width, height, radius) != tqref::kKept;
-                    };
-                    EXPECT_TRUE(InPlaceEqualsReference(stage, width, height, stride, tqref::Average,
-                                                       kAverageInPlace, defined, radius))
-                        << width << " x " << height << ", stride " << stride << ", radius "
-                        << radius;
-                }
+    tqtest::ExpectTheInPlaceFormEqualsTheReference(tqref::Average, kAverageInPlace, 9);
 }
 
 // ---- Arguments out of range ------------------------------------------------------------------

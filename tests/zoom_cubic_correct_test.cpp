@@ -5,8 +5,6 @@
 #include <tqipl/zoom.h>
 
 #include <algorithm>
-#include <cstring>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -16,13 +14,13 @@
 #include "support/guarded_buffer.h"
 #include "support/settings.h"
 #include "support/zoom_preamble.h"
+#include "support/zoom_threads.h"
 #include "zoom/zoom_tasks.h"
 
 namespace {
 
 using tqtest::Content;
 using tqtest::GuardedBuffer;
-using tqtest::GuardedImage;
 using tqtest::ZoomForm;
 using tqtest::ZoomPreamble;
 using tqtest::ZoomSizes;
@@ -197,27 +195,9 @@ TEST(ZoomCubicCorrect, FourColumnsOrRowsAreTheLinearZoomThroughout) {
     }
 }
 
+// Positions below 2 are the ring.
 TEST(ZoomCubicCorrect, ExactlyTwiceIsCorrectedInsideARingOfTwoCells) {
-    for (const ZoomForm& form : kForms) {
-        const int n = form.channels;
-        GuardedImage src(9 * n, 8, {}), dst(18 * n, 16, {}), linear(18 * n, 16, {});
-        tqtest::Fill(src.Memory(), src.Size(), Content::kNoise, 12);
-        form.function(9, 8, src.Stride(), src.First(), 18, 16, dst.Stride(), dst.First());
-        (n == 1 ? IPL_ZoomLinear_8u_C1R : IPL_ZoomLinear_8u_C4R)(
-            9, 8, src.Stride(), src.First(), 18, 16, linear.Stride(), linear.First());
-        int changed = 0;
-        for (int j = 0; j < 16; ++j)
-            for (int i = 0; i < 18; ++i) {
-                const bool same = std::memcmp(dst.Row(j) + i * n, linear.Row(j) + i * n, n) == 0;
-                // Positions below 2, or from the last but two on.
-                const bool ring = j < 5 || j >= 13 || i < 5 || i >= 15;
-                if (ring) {
-                    EXPECT_TRUE(same) << form.name << ", row " << j << ", column " << i;
-                }
-                if (!same) ++changed;
-            }
-        EXPECT_GT(changed, 50) << form.name;
-    }
+    tqtest::ExpectOnlyTheInsideDiffersFromLinear(kForms, 5, 50);
 }
 
 // ---- What comes before the method ---------------------------------------------------------------
@@ -228,18 +208,7 @@ INSTANTIATE_TEST_SUITE_P(ZoomCubicCorrect, ZoomPreamble, testing::ValuesIn(kForm
 // ---- The reference at every level ---------------------------------------------------------------
 
 TEST(ZoomCubicCorrect, SmallSizesEqualTheReference) {
-    for (const ZoomForm& form : kPlainForms) {
-        tqtest::ZoomSweep equals(form);
-        for (int srcWidth = 1; srcWidth <= 9; ++srcWidth)
-            for (int srcHeight = 1; srcHeight <= 7; ++srcHeight)
-                for (int moreWidth = 0; moreWidth <= 3; ++moreWidth)
-                    for (int moreHeight = 0; moreHeight <= 2; ++moreHeight) {
-                        const ZoomSizes s = {srcWidth, srcHeight, 2 * srcWidth - 1 + moreWidth,
-                                             2 * srcHeight - 1 + moreHeight};
-                        ASSERT_TRUE(equals(s, Content::kNoise));
-                        ASSERT_TRUE(equals(s, Content::kHostile));
-                    }
-    }
+    tqtest::ExpectSmallDoubledSizesEqualReference(kPlainForms, 7);
 }
 
 TEST(ZoomCubicCorrect, WidthsOfEveryTailEqualTheReference) {
@@ -255,15 +224,7 @@ TEST(ZoomCubicCorrect, WidthsOfEveryTailEqualTheReference) {
 }
 
 TEST(ZoomCubicCorrect, EveryLayoutEqualsTheReference) {
-    for (const ZoomForm& form : kPlainForms) {
-        tqtest::ZoomSweep equals(form);
-        for (const ZoomSizes& sizes : tqtest::CorrectedSizes()) {
-            ASSERT_TRUE(equals.InEveryLayout(sizes, Content::kNoise));
-            ASSERT_TRUE(equals.InEveryLayout(sizes, Content::kHostile));
-        }
-        for (const ZoomSizes& sizes : tqtest::ZoomSizesOfEveryKind())
-            ASSERT_TRUE(equals(sizes, Content::kNoise));
-    }
+    tqtest::ExpectEveryLayoutEqualsReference(kPlainForms);
 }
 
 // Many destination pixels a cell: all rows of taps, with the places 0 and 1 among them.
@@ -346,18 +307,7 @@ TEST(ZoomCubicCorrect, ATaskOfAnotherChannelModeDoesNothingAndReturns1) {
 }
 
 TEST(ZoomCubicCorrect, SeveralThreadsZoomDifferentImagesAtOnce) {
-    tqtest::Settings settings;
-    settings.UseProcessors(4);
-    std::vector<std::thread> threads;
-    for (unsigned seed = 0; seed < 4; ++seed)
-        threads.emplace_back([seed] {
-            for (int i = 0; i < 20; ++i) {
-                tqtest::ZoomTrial trial(kForms[seed], {13, 9, 30 + i, 23},
-                                        tqtest::ZoomLayouts()[seed], Content::kNoise, seed);
-                EXPECT_TRUE(trial.Run());
-            }
-        });
-    for (std::thread& thread : threads) thread.join();
+    tqtest::ExpectSeveralThreadsZoomAtOnce(kForms, {13, 9, 30, 23});
 }
 
 }  // namespace

@@ -8,7 +8,6 @@
 #include <cstring>
 #include <limits>
 #include <memory>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -16,6 +15,7 @@
 #include "support/guarded_buffer.h"
 #include "support/settings.h"
 #include "support/zoom_preamble.h"
+#include "support/zoom_threads.h"
 #include "zoom/weights.h"
 
 namespace {
@@ -395,18 +395,7 @@ TEST(ZoomCubic, OnlyTheMultiThreadFormsUseThePool) {
 }
 
 TEST(ZoomCubic, SeveralThreadsZoomDifferentImagesAtOnce) {
-    tqtest::Settings settings;
-    settings.UseProcessors(4);
-    std::vector<std::thread> threads;
-    for (unsigned seed = 0; seed < 4; ++seed)
-        threads.emplace_back([seed] {
-            for (int i = 0; i < 20; ++i) {
-                tqtest::ZoomTrial trial(kForms[seed], {31, 17, 20 + i, 23},
-                                        tqtest::ZoomLayouts()[seed], Content::kNoise, seed);
-                EXPECT_TRUE(trial.Run());
-            }
-        });
-    for (std::thread& thread : threads) thread.join();
+    tqtest::ExpectSeveralThreadsZoomAtOnce(kForms, {31, 17, 20, 23});
 }
 
 }  // namespace

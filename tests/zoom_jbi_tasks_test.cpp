@@ -6,7 +6,6 @@
 #include <bit>
 #include <climits>
 #include <cstring>
-#include <iterator>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -14,6 +13,7 @@
 #include "reference/zoom_jbi_reference.h"
 #include "support/guarded_buffer.h"
 #include "support/settings.h"
+#include "support/task_fields.h"
 #include "support/zoom_check.h"
 #include "zoom/zoom_tasks.h"
 
@@ -40,10 +40,7 @@ TEST(JbiSigmaTask, FieldsStandInOrder) {
     const Task task;
     const void* const fields[] = {&task,         &task.m_nSrcWidth,  &task.m_nRows, &task.m_nStride,
                                   &task.m_pRows, &task.m_nMapStride, &task.m_pMap};
-    for (size_t i = 1; i < std::size(fields); ++i)
-        EXPECT_LT(reinterpret_cast<uintptr_t>(fields[i - 1]),
-                  reinterpret_cast<uintptr_t>(fields[i]))
-            << "field " << i;
+    tqtest::ExpectAddressesRise(fields);
 }
 
 constexpr float kUntouched = -123.0f;
@@ -142,10 +139,7 @@ TEST(JbiTask, FieldsStandInOrder) {
         &task.m_pMap,    &task.m_nDstWidth,    &task.m_nDstHeight, &task.m_nDstStride,
         &task.m_pDst,    &task.m_nGuideStride, &task.m_pGuide,     &task.m_nRowBegin,
         &task.m_nRowEnd, &task.m_nChannelMode};
-    for (size_t i = 1; i < std::size(fields); ++i)
-        EXPECT_LT(reinterpret_cast<uintptr_t>(fields[i - 1]),
-                  reinterpret_cast<uintptr_t>(fields[i]))
-            << "field " << i;
+    tqtest::ExpectAddressesRise(fields);
 }
 
 // A task with a guide, a plane and a map of the test's own making, each with padding of its own.

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -13,6 +12,7 @@
 #include "support/guarded_buffer.h"
 #include "support/settings.h"
 #include "support/zoom_preamble.h"
+#include "support/zoom_threads.h"
 
 namespace {
 
@@ -321,18 +321,7 @@ TEST(ZoomJbi, MultiThreadEqualsTheReferenceAtEveryProcessorCount) {
 }
 
 TEST(ZoomJbi, SeveralThreadsZoomDifferentImagesAtOnce) {
-    tqtest::Settings settings;
-    settings.UseProcessors(4);
-    std::vector<std::thread> threads;
-    for (unsigned seed = 0; seed < 4; ++seed)
-        threads.emplace_back([seed] {
-            for (int i = 0; i < 20; ++i) {
-                tqtest::ZoomTrial trial(kForms[seed], {13, 9, 20 + i, 23},
-                                        tqtest::ZoomLayouts()[seed], Content::kNoise, seed);
-                EXPECT_TRUE(trial.Run());
-            }
-        });
-    for (std::thread& thread : threads) thread.join();
+    tqtest::ExpectSeveralThreadsZoomAtOnce(kForms, {13, 9, 20, 23});
 }
 
 }  // namespace

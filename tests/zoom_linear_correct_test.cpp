@@ -7,8 +7,6 @@
 #include <array>
 #include <bit>
 #include <cmath>
-#include <cstring>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -17,6 +15,7 @@
 #include "support/guarded_buffer.h"
 #include "support/settings.h"
 #include "support/zoom_preamble.h"
+#include "support/zoom_threads.h"
 #include "zoom/correct.h"
 #include "zoom/zoom_tasks.h"
 
@@ -24,7 +23,6 @@ namespace {
 
 using tqtest::Content;
 using tqtest::GuardedBuffer;
-using tqtest::GuardedImage;
 using tqtest::ZoomForm;
 using tqtest::ZoomPreamble;
 using tqtest::ZoomSizes;
@@ -345,28 +343,9 @@ TEST(ZoomLinearCorrect, ThreeColumnsOrRowsAreTheLinearZoomThroughout) {
     }
 }
 
-// Ring included: only the inner cells may differ from the linear zoom, and some do.
+// Positions below 1 are the ring.
 TEST(ZoomLinearCorrect, ExactlyTwiceIsCorrectedInsideTheRing) {
-    for (const ZoomForm& form : kForms) {
-        const int n = form.channels;
-        GuardedImage src(9 * n, 8, {}), dst(18 * n, 16, {}), linear(18 * n, 16, {});
-        tqtest::Fill(src.Memory(), src.Size(), Content::kNoise, 12);
-        form.function(9, 8, src.Stride(), src.First(), 18, 16, dst.Stride(), dst.First());
-        (n == 1 ? IPL_ZoomLinear_8u_C1R : IPL_ZoomLinear_8u_C4R)(
-            9, 8, src.Stride(), src.First(), 18, 16, linear.Stride(), linear.First());
-        int changed = 0;
-        for (int j = 0; j < 16; ++j)
-            for (int i = 0; i < 18; ++i) {
-                const bool same = std::memcmp(dst.Row(j) + i * n, linear.Row(j) + i * n, n) == 0;
-                // Positions below 1, or from the last but two on.
-                const bool ring = j < 3 || j >= 13 || i < 3 || i >= 15;
-                if (ring) {
-                    EXPECT_TRUE(same) << form.name << ", row " << j << ", column " << i;
-                }
-                if (!same) ++changed;
-            }
-        EXPECT_GT(changed, 60) << form.name;
-    }
+    tqtest::ExpectOnlyTheInsideDiffersFromLinear(kForms, 3, 60);
 }
 
 // ---- What comes before the method ---------------------------------------------------------------
@@ -377,18 +356,7 @@ INSTANTIATE_TEST_SUITE_P(ZoomLinearCorrect, ZoomPreamble, testing::ValuesIn(kFor
 // ---- The reference at every level ---------------------------------------------------------------
 
 TEST(ZoomLinearCorrect, SmallSizesEqualTheReference) {
-    for (const ZoomForm& form : kPlainForms) {
-        tqtest::ZoomSweep equals(form);
-        for (int srcWidth = 1; srcWidth <= 9; ++srcWidth)
-            for (int srcHeight = 1; srcHeight <= 6; ++srcHeight)
-                for (int moreWidth = 0; moreWidth <= 3; ++moreWidth)
-                    for (int moreHeight = 0; moreHeight <= 2; ++moreHeight) {
-                        const ZoomSizes s = {srcWidth, srcHeight, 2 * srcWidth - 1 + moreWidth,
-                                             2 * srcHeight - 1 + moreHeight};
-                        ASSERT_TRUE(equals(s, Content::kNoise));
-                        ASSERT_TRUE(equals(s, Content::kHostile));
-                    }
-    }
+    tqtest::ExpectSmallDoubledSizesEqualReference(kPlainForms, 6);
 }
 
 TEST(ZoomLinearCorrect, WidthsOfEveryTailEqualTheReference) {
@@ -404,15 +372,7 @@ TEST(ZoomLinearCorrect, WidthsOfEveryTailEqualTheReference) {
 }
 
 TEST(ZoomLinearCorrect, EveryLayoutEqualsTheReference) {
-    for (const ZoomForm& form : kPlainForms) {
-        tqtest::ZoomSweep equals(form);
-        for (const ZoomSizes& sizes : tqtest::CorrectedSizes()) {
-            ASSERT_TRUE(equals.InEveryLayout(sizes, Content::kNoise));
-            ASSERT_TRUE(equals.InEveryLayout(sizes, Content::kHostile));
-        }
-        for (const ZoomSizes& sizes : tqtest::ZoomSizesOfEveryKind())
-            ASSERT_TRUE(equals(sizes, Content::kNoise));
-    }
+    tqtest::ExpectEveryLayoutEqualsReference(kPlainForms);
 }
 
 TEST(ZoomLinearCorrect, SizesAtRandomEqualTheReference) {
@@ -479,18 +439,7 @@ TEST(ZoomLinearCorrect, ATaskOfAnotherChannelModeDoesNothingAndReturns1) {
 }
 
 TEST(ZoomLinearCorrect, SeveralThreadsZoomDifferentImagesAtOnce) {
-    tqtest::Settings settings;
-    settings.UseProcessors(4);
-    std::vector<std::thread> threads;
-    for (unsigned seed = 0; seed < 4; ++seed)
-        threads.emplace_back([seed] {
-            for (int i = 0; i < 20; ++i) {
-                tqtest::ZoomTrial trial(kForms[seed], {13, 9, 30 + i, 23},
-                                        tqtest::ZoomLayouts()[seed], Content::kNoise, seed);
-                EXPECT_TRUE(trial.Run());
-            }
-        });
-    for (std::thread& thread : threads) thread.join();
+    tqtest::ExpectSeveralThreadsZoomAtOnce(kForms, {13, 9, 30, 23});
 }
 
 }  // namespace

@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -14,6 +13,7 @@
 #include "support/guarded_buffer.h"
 #include "support/settings.h"
 #include "support/zoom_preamble.h"
+#include "support/zoom_threads.h"
 #include "zoom/weights.h"
 
 namespace {
@@ -390,18 +390,7 @@ TEST(ZoomSuper, FourChannelMultiThreadEqualsItsReferenceAtEveryProcessorCount) {
 }
 
 TEST(ZoomSuper, SeveralThreadsZoomDifferentImagesAtOnce) {
-    tqtest::Settings settings;
-    settings.UseProcessors(4);
-    std::vector<std::thread> threads;
-    for (unsigned seed = 0; seed < 4; ++seed)
-        threads.emplace_back([seed] {
-            for (int i = 0; i < 20; ++i) {
-                tqtest::ZoomTrial trial(kForms[seed], {60, 31, 20 + i, 23},
-                                        tqtest::ZoomLayouts()[seed], Content::kNoise, seed);
-                EXPECT_TRUE(trial.Run());
-            }
-        });
-    for (std::thread& thread : threads) thread.join();
+    tqtest::ExpectSeveralThreadsZoomAtOnce(kForms, {60, 31, 20, 23});
 }
 
 }  // namespace

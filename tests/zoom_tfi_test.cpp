@@ -7,8 +7,6 @@
 #include <bit>
 #include <cmath>
 #include <cstring>
-#include <iterator>
-#include <thread>
 #include <type_traits>
 #include <utility>
 #include <vector>
@@ -16,7 +14,9 @@
 #include "reference/zoom_tfi_reference.h"
 #include "support/guarded_buffer.h"
 #include "support/settings.h"
+#include "support/task_fields.h"
 #include "support/zoom_preamble.h"
+#include "support/zoom_threads.h"
 #include "zoom/tfi.h"
 #include "zoom/zoom_tasks.h"
 
@@ -423,10 +423,7 @@ TEST(ZoomTfi, TaskFieldsStandInOrder) {
         &task,        &task.m_nSrcWidth, &task.m_nSrcHeight, &task.m_nSrcStride,
         &task.m_pSrc, &task.m_nDstWidth, &task.m_nDstHeight, &task.m_nDstStride,
         &task.m_pDst, &task.m_nRowBegin, &task.m_nRowEnd};
-    for (size_t i = 1; i < std::size(fields); ++i)
-        EXPECT_LT(reinterpret_cast<uintptr_t>(fields[i - 1]),
-                  reinterpret_cast<uintptr_t>(fields[i]))
-            << "field " << i;
+    tqtest::ExpectAddressesRise(fields);
 }
 
 // Every band, with nothing else of the destination touched, and by the deviation.
@@ -484,18 +481,7 @@ TEST(ZoomTfi, TheRuntimesExponentialIsAsNearAsTheKernelsAssume) {
 }
 
 TEST(ZoomTfi, SeveralThreadsZoomDifferentImagesAtOnce) {
-    tqtest::Settings settings;
-    settings.UseProcessors(4);
-    std::vector<std::thread> threads;
-    for (unsigned seed = 0; seed < 4; ++seed)
-        threads.emplace_back([seed] {
-            for (int i = 0; i < 20; ++i) {
-                tqtest::ZoomTrial trial(kForms[seed], {13, 9, 20 + i, 23},
-                                        tqtest::ZoomLayouts()[seed], Content::kNoise, seed);
-                EXPECT_TRUE(trial.Run());
-            }
-        });
-    for (std::thread& thread : threads) thread.join();
+    tqtest::ExpectSeveralThreadsZoomAtOnce(kForms, {13, 9, 20, 23});
 }
 
 }  // namespace

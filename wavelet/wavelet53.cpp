@@ -4,7 +4,7 @@
 
 #include <tqipl/wavelet.h>
 
-#include "wavelet/scratch.h"
+#include "wavelet/scratch_lines.h"
 #include "wavelet/wavelet53_kernels.h"
 
 namespace {

@@ -6,7 +6,7 @@
 
 #include "frame/band.h"
 #include "wavelet/mirror.h"
-#include "wavelet/scratch.h"
+#include "wavelet/scratch_lines.h"
 #include "wavelet/wavelet_ll_kernels.h"
 #include "wavelet/wavelet_ll_tasks.h"
 

@@ -5,17 +5,18 @@
 
 #include <gtest/gtest.h>
 #include <tqipl/thread.h>
+#include <tqipl/zoom.h>
 
 #include <climits>
 #include <cstdint>
 #include <cstring>
-#include <iterator>
 #include <type_traits>
 #include <vector>
 
 #include "reference/zoom_correct_reference.h"
 #include "support/guarded_buffer.h"
 #include "support/settings.h"
+#include "support/task_fields.h"
 #include "support/zoom_check.h"
 
 namespace tqtest {
@@ -60,6 +61,60 @@ inline ::testing::AssertionResult DoubledSizesAtRandom(ZoomSweep& equals, int co
     return ::testing::AssertionSuccess();
 }
 
+// From one pixel short of twice on to somewhat more.
+inline void ExpectSmallDoubledSizesEqualReference(const std::vector<ZoomForm>& forms,
+                                                  int greatestHeight) {
+    for (const ZoomForm& form : forms) {
+        ZoomSweep equals(form);
+        for (int srcWidth = 1; srcWidth <= 9; ++srcWidth)
+            for (int srcHeight = 1; srcHeight <= greatestHeight; ++srcHeight)
+                for (int moreWidth = 0; moreWidth <= 3; ++moreWidth)
+                    for (int moreHeight = 0; moreHeight <= 2; ++moreHeight) {
+                        const ZoomSizes s = {srcWidth, srcHeight, 2 * srcWidth - 1 + moreWidth,
+                                             2 * srcHeight - 1 + moreHeight};
+                        ASSERT_TRUE(equals(s, Content::kNoise));
+                        ASSERT_TRUE(equals(s, Content::kHostile));
+                    }
+    }
+}
+
+inline void ExpectEveryLayoutEqualsReference(const std::vector<ZoomForm>& forms) {
+    for (const ZoomForm& form : forms) {
+        ZoomSweep equals(form);
+        for (const ZoomSizes& sizes : CorrectedSizes()) {
+            ASSERT_TRUE(equals.InEveryLayout(sizes, Content::kNoise));
+            ASSERT_TRUE(equals.InEveryLayout(sizes, Content::kHostile));
+        }
+        for (const ZoomSizes& sizes : ZoomSizesOfEveryKind())
+            ASSERT_TRUE(equals(sizes, Content::kNoise));
+    }
+}
+
+// 9 x 8 to 18 x 16 pixels: rows and columns before firstInside, and at positions from the last but
+// two on, are those of the linear zoom; of the others more than `least` pixels are not.
+inline void ExpectOnlyTheInsideDiffersFromLinear(const std::vector<ZoomForm>& forms,
+                                                 int firstInside, int least) {
+    for (const ZoomForm& form : forms) {
+        const int n = form.channels;
+        GuardedImage src(9 * n, 8, {}), dst(18 * n, 16, {}), linear(18 * n, 16, {});
+        Fill(src.Memory(), src.Size(), Content::kNoise, 12);
+        form.function(9, 8, src.Stride(), src.First(), 18, 16, dst.Stride(), dst.First());
+        (n == 1 ? IPL_ZoomLinear_8u_C1R : IPL_ZoomLinear_8u_C4R)(
+            9, 8, src.Stride(), src.First(), 18, 16, linear.Stride(), linear.First());
+        int changed = 0;
+        for (int j = 0; j < 16; ++j)
+            for (int i = 0; i < 18; ++i) {
+                const bool same = std::memcmp(dst.Row(j) + i * n, linear.Row(j) + i * n, n) == 0;
+                const bool ring = j < firstInside || j >= 13 || i < firstInside || i >= 15;
+                if (ring) {
+                    EXPECT_TRUE(same) << form.name << ", row " << j << ", column " << i;
+                }
+                if (!same) ++changed;
+            }
+        EXPECT_GT(changed, least) << form.name;
+    }
+}
+
 template <class Task> void ExpectCorrectTaskFieldsInOrder() {
     static_assert(std::is_base_of_v<CTQIPLTaskBase, Task>);
     static_assert(std::is_same_v<decltype(Task::m_nSrcWidth), int>);
@@ -90,10 +145,7 @@ template <class Task> void ExpectCorrectTaskFieldsInOrder() {
                                   &task.m_nRowBegin,
                                   &task.m_nRowEnd,
                                   &task.m_nChannelMode};
-    for (size_t i = 1; i < std::size(fields); ++i)
-        EXPECT_LT(reinterpret_cast<uintptr_t>(fields[i - 1]),
-                  reinterpret_cast<uintptr_t>(fields[i]))
-            << "field " << i;
+    ExpectAddressesRise(fields);
 }
 
 // One band, set up by its documented fields only. The luminance plane has padding of its own, which

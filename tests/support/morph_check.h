@@ -7,6 +7,7 @@
 #include <tqipl/buffer.h>
 
 #include <algorithm>
+#include <climits>
 #include <cstdint>
 #include <cstring>
 #include <iterator>
@@ -27,6 +28,20 @@ struct MaskSize {
 struct Radii {
     int y, x;
 };
+
+// At least one of the two is negative.
+inline constexpr Radii kNegativeRadii[] = {{-1, 0},
+                                           {0, -1},
+                                           {-1, -1},
+                                           {-9, 2},
+                                           {3, -5},
+                                           {INT_MIN, 1},
+                                           {1, INT_MIN},
+                                           {INT_MIN, INT_MIN},
+                                           {-INT_MAX, -INT_MAX},
+                                           {-1, INT_MAX},
+                                           {INT_MAX, -1},
+                                           {INT_MIN, INT_MAX}};
 
 inline std::string Describe(MaskSize size, Radii radii) {
     return std::to_string(size.width) + " x " + std::to_string(size.height) + ", radii " +

@@ -256,4 +256,29 @@ template <class Dst> void ExpectEmptySizesWriteNothing(const PixelForm<Dst>& for
         }
 }
 
+// call(width, height) for sizes without a pixel, at several processor counts.
+template <class Call> void ForSizesWithoutAPixel(Call call) {
+    Settings settings;
+    for (unsigned processors : {1u, 2u, 8u}) {
+        settings.UseProcessors(processors);
+        for (auto [width, height] : {std::pair{12, 0}, {12, -1}, {0, 1}, {-1, 1}, {0, 9}})
+            call(width, height);
+    }
+}
+
+template <class Dst> void ExpectNoPointerIsUsedWithoutAPixel(const PixelForm<Dst>& form) {
+    ForSizesWithoutAPixel([&form](int width, int height) {
+        form.plain(width, height, 0, nullptr, 0, nullptr);
+        form.multiThread(width, height, 0, nullptr, 0, nullptr);
+    });
+}
+
+// A task in a mode that it does not know writes nothing, and Run returns 1.
+template <class Task, int mode, class Dst = uint8_t> void ExpectModeDoesNothing() {
+    std::vector<uint8_t> src(2 * 64, 255);
+    std::vector<Dst> dst(2 * 64, 7);
+    EXPECT_EQ((RunTaskInMode<Task, mode>(6, 2, 64, src.data(), 64, dst.data())), 1) << mode;
+    EXPECT_EQ(dst, std::vector<Dst>(2 * 64, 7)) << mode;
+}
+
 }  // namespace tqtest

@@ -2,9 +2,6 @@
 
 // Replaces the array allocation operators of the program; included by one file of it. Arrays are
 // counted, filled with a pattern, and refused on demand.
-//
-// Clang's thread sanitizer links operators of its own beside which no others can stand. In that
-// build TQTEST_REPLACES_NEW is 0, and what needs the replaced ones is not part of the program.
 
 #include <atomic>
 #include <cstddef>
@@ -12,13 +9,7 @@
 #include <cstring>
 #include <new>
 
-#define TQTEST_REPLACES_NEW 1
-#if defined(__has_feature)
-#if __has_feature(thread_sanitizer)
-#undef TQTEST_REPLACES_NEW
-#define TQTEST_REPLACES_NEW 0
-#endif
-#endif
+#include "support/replaces_new.h"
 
 #if TQTEST_REPLACES_NEW
 
