@@ -1,4 +1,5 @@
 target_sources(tq_objects PRIVATE
+    frame/array_storage.cpp
     frame/isa.cpp
     frame/memory_auto.cpp
     frame/memory_manager.cpp

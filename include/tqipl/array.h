@@ -1,17 +1,27 @@
 #pragma once
 
+#include <tqipl/export.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <new>
 
+// The array that crosses the interface, and its storage.
+
+// Where arrays take their storage from and give it back, in the module: a host whose runtime has a
+// heap of its own shares arrays with it all the same. Null if memory runs out; a null storage is
+// ignored.
+extern "C" TQIPL_API void* TQ_AllocateArray(uint64_t bytes) noexcept;
+extern "C" TQIPL_API void TQ_FreeArray(void* storage) noexcept;
+
 // A growable array of plain values. It crosses the interface by reference: hosts pass strides and
 // plane pointers in it and receive lists of rectangles. Elements are copied bytewise and never
 // destroyed, so an array of pointers does not own what they point to.
 //
-// Everything is inline, and the storage comes from operator new[] as raw bytes, so that a host and
-// the library may each grow or free an array that the other filled. On Windows that needs the two
-// to share a heap, as a mingw-built host and the mingw-built module do.
+// Everything is inline but the storage, which is raw bytes of TQ_AllocateArray on both sides: a
+// host and the library may each grow or free an array that the other filled, whatever compiler
+// built them.
 //
 // ARG_TYPE is the type in which an element is passed, as in CTQArray<TQ_RECT, TQ_RECT&>.
 //
@@ -19,11 +29,15 @@
 // the array as it is, RemoveAt outside the array does nothing, and GetAt clamps.
 template <class TYPE, class ARG_TYPE> class CTQArray {
 public:
+    // Empty, without storage.
     CTQArray() : m_pData(nullptr), m_nSize(0), m_nMaxSize(0), m_nGrowBy(0) {}
+    // Frees the storage.
     ~CTQArray() { SetSize(0); }
+    // An array is not copied.
     CTQArray(const CTQArray&) = delete;
     CTQArray& operator=(const CTQArray&) = delete;
 
+    // The number of elements.
     int64_t GetSize() const { return m_nSize; }
 
     // Sets the number of elements. Elements that become visible are zero. The capacity grows by
@@ -33,7 +47,7 @@ public:
     void SetSize(int64_t newSize) {
         if (newSize < 0) return;
         if (newSize == 0) {
-            ::operator delete[](static_cast<void*>(m_pData));
+            TQ_FreeArray(m_pData);
             m_pData = nullptr;
             m_nSize = m_nMaxSize = 0;
         } else if (m_pData == nullptr) {
@@ -56,7 +70,7 @@ public:
             std::memcpy(static_cast<void*>(grown), static_cast<const void*>(m_pData),
                         Bytes(m_nSize));
             std::memset(static_cast<void*>(grown + m_nSize), 0, Bytes(newSize - m_nSize));
-            ::operator delete[](static_cast<void*>(m_pData));
+            TQ_FreeArray(m_pData);
             m_pData = grown;
             m_nMaxSize = capacity;
             m_nSize = newSize;
@@ -76,12 +90,14 @@ public:
         return m_pData[index];
     }
 
+    // Puts a copy of value behind the last element; std::bad_alloc may leave as from SetSize.
     void Add(ARG_TYPE value) {
         TYPE copy = value;  // value may lie in the storage that SetSize frees
         SetSize(m_nSize + 1);
         m_pData[m_nSize - 1] = copy;
     }
 
+    // Takes one element out; those behind it move up. The capacity stays.
     void RemoveAt(int64_t index) {
         if (index < 0 || index >= m_nSize) return;
         const int64_t behind = m_nSize - index - 1;
@@ -100,6 +116,8 @@ private:
     static size_t Bytes(int64_t count) { return static_cast<size_t>(count) * sizeof(TYPE); }
     static TYPE* Allocate(int64_t count) {
         if (count > INT64_MAX / static_cast<int64_t>(sizeof(TYPE))) throw std::bad_alloc();
-        return static_cast<TYPE*>(::operator new[](Bytes(count)));
+        void* storage = TQ_AllocateArray(Bytes(count));
+        if (storage == nullptr) throw std::bad_alloc();
+        return static_cast<TYPE*>(storage);
     }
 };

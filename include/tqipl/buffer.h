@@ -31,13 +31,16 @@ TQIPL_API void IPL_DeletMemoryManager(void* manager);
 // A copy shares the buffer without counting: of two such objects only one may release it.
 class TQIPL_API CTQIPLMemoryAuto {
 public:
+    TQIPL_MODULE_NEW
     // Holds nothing. A null manager stands for the shared one.
     explicit CTQIPLMemoryAuto(void* manager = nullptr);
     // Holds a buffer of at least `size` bytes. Throws std::bad_alloc when memory is exhausted.
     CTQIPLMemoryAuto(int size, void* manager);
+    // Copies the fields: both objects hold the same buffer.
     CTQIPLMemoryAuto(const CTQIPLMemoryAuto& other);
     // Copies the fields, and does not release what this object held.
     CTQIPLMemoryAuto& operator=(const CTQIPLMemoryAuto& other);
+    // Gives the buffer back.
     virtual ~CTQIPLMemoryAuto();
 
     int IsNULL();           // 1 if no buffer is held, else 0
