@@ -8,7 +8,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <new>
 
 #include "frame/module.h"
 #include "frame/rows.h"
@@ -59,22 +58,6 @@ inline bool RunsPlain(BandRule rule) { return rule.plainAtOneProcessor && g_IPLP
 // the same memory. Sizes of 1 or more.
 inline bool RowsOverlap(int64_t width, int64_t stride) { return stride < width && -stride < width; }
 
-// The body of a Run that needs memory. Run must not throw: what runs out is noted in the task's
-// m_bOutOfMemory, for whoever waits for the task.
-template <class Task, class Body> int RunInTask(Task& task, Body body) {
-    try {
-        body();
-    } catch (const std::bad_alloc&) {
-        task.m_bOutOfMemory = true;
-    }
-    return 1;
-}
-
-template <class Task> void ThrowIfOutOfMemory(const Task& task) {
-    if constexpr (requires { task.m_bOutOfMemory; })
-        if (task.m_bOutOfMemory) throw std::bad_alloc();
-}
-
 // The tasks of one MultiThread form: made here, run by the global pool, which only borrows them,
 // and deleted in order. Run may be called again for families that work in two passes.
 template <class Task> class TaskSet {
@@ -94,25 +77,17 @@ public:
     int Count() const { return static_cast<int>(m_tasks.GetSize()); }
     Task& At(int i) { return *static_cast<Task*>(m_tasks.GetAt(i)); }
 
-    // Throws std::bad_alloc if memory ran out, in the pool or in a task.
-    void Run() {
-        CTQIPLThreadPool::GetInstance()->RunTasks(m_tasks, -1);
-        ThrowIfAnyOutOfMemory();
-    }
+    // Throws what a task throws, and std::bad_alloc if memory runs out in the pool.
+    void Run() { CTQIPLThreadPool::GetInstance()->RunTasks(m_tasks, -1); }
 
     // The same for tasks that write rows of their own in one image: one after the other where those
     // rows share bytes.
     void RunOnRows(int64_t width, int64_t stride) {
         if (!RowsOverlap(width, stride)) return Run();
         for (int i = 0; i < Count(); ++i) At(i).Run();
-        ThrowIfAnyOutOfMemory();
     }
 
 private:
-    void ThrowIfAnyOutOfMemory() {
-        for (int i = 0; i < Count(); ++i) ThrowIfOutOfMemory(At(i));
-    }
-
     CTQArray<CTQIPLTaskBase*, CTQIPLTaskBase*> m_tasks;
 };
 

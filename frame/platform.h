@@ -93,8 +93,8 @@ unsigned int ProcessorCount();
 void* AllocatePages(size_t bytes);
 void FreePages(void* pages, size_t bytes);
 
-// One line of ASCII on the debug channel: OutputDebugStringW on Windows, syslog at debug priority
-// elsewhere.
+// One line of ASCII, of at most 255 characters, on the debug channel: OutputDebugStringW on
+// Windows, syslog at debug priority elsewhere. Cannot fail.
 void EmitDebugText(const char* text);
 
 // What the system does behind the functions above, each named in the seam below.

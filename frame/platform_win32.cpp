@@ -4,9 +4,10 @@
 #include <windows.h>
 
 #include <bit>
+#include <cstddef>
+#include <iterator>
 #include <mutex>
 #include <new>
-#include <string>
 
 #include "frame/platform.h"
 
@@ -121,10 +122,13 @@ void FreePages(void* pages, size_t) {
 }
 
 void SystemDebugText(const char* text) {
-    // ASCII is the same wide text in every locale.
-    std::wstring wide;
-    for (const char* c = text; *c != 0; ++c) wide += static_cast<wchar_t>(*c);
-    OutputDebugStringW(wide.c_str());
+    // ASCII is the same wide text in every locale. No memory is taken: lack of it is reported here.
+    wchar_t wide[256];
+    size_t length = 0;
+    for (; text[length] != 0 && length + 1 < std::size(wide); ++length)
+        wide[length] = static_cast<wchar_t>(text[length]);
+    wide[length] = 0;
+    OutputDebugStringW(wide);
 }
 
 }  // namespace tq

@@ -4,18 +4,55 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
+#include <iterator>
 #include <vector>
 
 #include "frame/module.h"
 
 using tq::Lock;
 
-void tq::EmitThreadLine(unsigned int threadId) {
+namespace tq {
+
+void TaskCall::Run(CTQIPLTaskBase& task) noexcept {
+    if (m_failed) return;
+    try {
+        task.Run();
+    } catch (...) {
+        if (!m_failed.exchange(true)) m_first = std::current_exception();
+    }
+}
+
+// The exception leaves the record, which a worker may be the last to hold.
+void TaskCall::Rethrow() {
+    if (m_first) std::rethrow_exception(std::exchange(m_first, nullptr));
+}
+
+void RunForWrapper(CTQIPLTaskBase& task) noexcept {
+    const auto report = [](const char* what) {
+        char text[200];
+        std::snprintf(text, sizeof text - 1, "a thread wrapper's task threw: %s", what);
+        for (char* c = text; *c != 0; ++c)
+            if (*c < ' ' || *c > '~') *c = '?';
+        EmitDebugText(std::strcat(text, "\n"));
+    };
+    try {
+        task.Run();
+    } catch (const std::exception& exception) {
+        report(exception.what());
+    } catch (...) {
+        report("not a std::exception");
+    }
+}
+
+void EmitThreadLine(unsigned int threadId) {
     char text[80];
     std::snprintf(text, sizeof text, "thread %d newly create----------------------------------\n",
                   static_cast<int>(threadId));
-    tq::EmitDebugText(text);
+    EmitDebugText(text);
 }
+
+}  // namespace tq
 
 CIPLThreadWorker::~CIPLThreadWorker() {
     m_bStop = true;
@@ -53,15 +90,15 @@ void CIPLThreadWorker::Loop() {
         m_events->wake.Wait();
         if (m_bStop) return;
         if (CIPLTaskEx* taskEx = m_pTaskEx.exchange(nullptr)) {
-            const std::shared_ptr<tq::Semaphore> done = taskEx->m_hDone;
+            const std::shared_ptr<tq::TaskCall> call = taskEx->m_pCall;
             m_nPoolTaskThread = tq::CurrentThreadId();
-            taskEx->m_pTask->Run();
+            call->Run(*taskEx->m_pTask);
             m_nPoolTaskThread = 0;
-            done->Release();  // from here on the call may end and taskEx be gone
+            call->Finish();  // from here on the caller may return and taskEx be gone
             m_pPool->ReturnWorker(this);
         }
         if (CTQIPLTaskBase* task = m_pTask.exchange(nullptr)) {
-            task->Run();
+            tq::RunForWrapper(*task);
             m_events->done.Set();
         }
     }
@@ -104,50 +141,47 @@ int CTQIPLThreadPoolRedner::RunTasks(CTQArray<CTQIPLTaskBase*, CTQIPLTaskBase*>&
         return 0;
     }
 
+    // All memory is taken before the first task is fed: from there on nothing but a task can fail.
     const size_t count = work.size();
     const size_t batch = std::min<size_t>(limit, count);
-    const auto done =
-        std::make_shared<tq::Semaphore>(static_cast<int>(std::min<size_t>(count, 0x7FFFFFFF)));
-    std::vector<std::unique_ptr<CIPLTaskEx>> wrappers;
-    for (CTQIPLTaskBase* task : work) wrappers.push_back(std::make_unique<CIPLTaskEx>(task, done));
+    const auto call =
+        std::make_shared<tq::TaskCall>(static_cast<int>(std::min<size_t>(count, 0x7FFFFFFF)));
+    std::vector<CIPLTaskEx> wrappers;
+    std::list<CIPLTaskEx*> wrapped;
+    wrappers.reserve(count);
+    for (CTQIPLTaskBase* task : work) wrapped.push_back(&wrappers.emplace_back(task, call));
 
     size_t fed = 0, finished = 0;
-    try {
-        for (; fed < batch; ++fed) Feed(wrappers[fed].get());
-        for (; fed < count; ++fed) {
-            done->Wait();
-            ++finished;
-            Feed(wrappers[fed].get());
-        }
-    } catch (...) {  // no memory for the queue: what is fed still uses the wrappers
-        for (; finished < fed; ++finished) done->Wait();
-        throw;
+    for (; fed < batch; ++fed) Feed(wrapped);
+    for (; fed < count; ++fed) {
+        call->Wait();
+        ++finished;
+        if (call->Failed()) break;
+        Feed(wrapped);
     }
-    for (; finished < count; ++finished) done->Wait();
+    for (; finished < fed; ++finished) call->Wait();
+    call->Rethrow();
     return 0;
 }
 
 int CTQIPLThreadPoolRedner::SetThreadLimits(unsigned int minThreads, unsigned int maxThreads) {
-    m_nMaxThreads = std::max(minThreads, maxThreads);
     Start();
-    std::vector<std::unique_ptr<CIPLThreadWorker>> released;
-    {
-        Lock lock(m_running->workers);
-        released.reserve(m_dequeIdle.size());
-        const int excess = static_cast<int>(m_nThreadCount - minThreads);
-        for (int i = 0; i < excess; ++i) {
-            CIPLThreadWorker* worker = TakeIdle(true);
-            if (worker == nullptr) break;
-            Unlink(worker);
-            released.emplace_back(worker);
-        }
-        for (int i = excess; i < 0; ++i) {
-            PushIdle(CreateWorker());
-            m_running->workersIdle.Release();
-        }
-        WakeWaiting();
+    Released released;
+    Lock lock(m_running->workers);
+    const int excess = static_cast<int>(m_nThreadCount - minThreads);
+    for (int i = 0; i < excess; ++i)
+        if (!ReleaseNewestIdle(released)) break;
+    int made = 0;
+    try {
+        for (int i = excess; i < 0; ++i, ++made) PushIdle(CreateWorker());
+    } catch (...) {
+        for (; made > 0; --made) ReleaseNewestIdle(released);
+        throw;
     }
-    return 0;  // the released workers end here, outside the lock
+    for (; made > 0; --made) m_running->workersIdle.Release();
+    m_nMaxThreads = std::max(minThreads, maxThreads);
+    WakeWaiting();
+    return 0;
 }
 
 int CTQIPLThreadPoolRedner::GetThreadStats(TQ_THREAD_STATS* stats) {
@@ -161,17 +195,11 @@ int CTQIPLThreadPoolRedner::GetThreadStats(TQ_THREAD_STATS* stats) {
 
 int CTQIPLThreadPoolRedner::ReleaseIdleThreads() {
     if (!m_bStarted) return 0;
-    std::vector<std::unique_ptr<CIPLThreadWorker>> released;
-    {
-        Lock lock(m_running->workers);
-        released.reserve(m_dequeIdle.size());
-        while (CIPLThreadWorker* worker = TakeIdle(true)) {
-            Unlink(worker);
-            released.emplace_back(worker);
-        }
-        m_dequeIdle.shrink_to_fit();
-        WakeWaiting();
+    Released released;
+    Lock lock(m_running->workers);
+    while (ReleaseNewestIdle(released)) {
     }
+    WakeWaiting();
     return 0;
 }
 
@@ -208,26 +236,34 @@ void CTQIPLThreadPoolRedner::Dispatch() {
             taskEx = m_dequeTasks.front();
             m_dequeTasks.pop_front();
         }
-        CIPLThreadWorker* worker = nullptr;
-        try {
-            worker = RequestWorker(false);
-            worker->StartThread();
-        } catch (const std::bad_alloc&) {
-            // The system has no more threads: the caller still gets its work done.
-            if (worker != nullptr) ReturnWorker(worker);
-            const std::shared_ptr<tq::Semaphore> done = taskEx->m_hDone;
-            taskEx->m_pTask->Run();
-            done->Release();
+        if (CIPLThreadWorker* worker = StartedWorker()) {
+            worker->Assign(taskEx);
             continue;
         }
-        worker->Assign(taskEx);
+        // The caller still gets its work done.
+        const std::shared_ptr<tq::TaskCall> call = taskEx->m_pCall;
+        call->Run(*taskEx->m_pTask);
+        call->Finish();
     }
 }
 
-void CTQIPLThreadPoolRedner::Feed(CIPLTaskEx* taskEx) {
+// Null if there is no memory or no thread to be had.
+CIPLThreadWorker* CTQIPLThreadPoolRedner::StartedWorker() {
+    CIPLThreadWorker* worker = nullptr;
+    try {
+        worker = RequestWorker(false);
+        worker->StartThread();
+        return worker;
+    } catch (...) {
+        if (worker != nullptr) ReturnWorker(worker);
+        return nullptr;
+    }
+}
+
+void CTQIPLThreadPoolRedner::Feed(std::list<CIPLTaskEx*>& wrapped) {
     {
         Lock lock(m_running->tasks);
-        m_dequeTasks.push_back(taskEx);
+        m_dequeTasks.splice(m_dequeTasks.end(), wrapped, wrapped.begin());
     }
     m_running->tasksQueued.Release();
 }
@@ -248,7 +284,7 @@ CIPLThreadWorker* CTQIPLThreadPoolRedner::RequestWorker(bool lend) {
         {
             Lock lock(m_running->workers);
             if (waited) --m_nWaiting;
-            CIPLThreadWorker* worker = TakeIdle(false);
+            CIPLThreadWorker* worker = TakeIdle();
             if (worker != nullptr && !waited) m_running->workersIdle.TryWait();
             if (worker == nullptr && MayCreateWorker(lend)) worker = CreateWorker();
             if (worker != nullptr) {
@@ -280,28 +316,34 @@ CIPLThreadWorker* CTQIPLThreadPoolRedner::CreateWorker() {
 }
 
 void CTQIPLThreadPoolRedner::PushIdle(CIPLThreadWorker* worker) {
-    m_dequeIdle.push_back(worker);
+    m_dequeIdle.splice(m_dequeIdle.end(), worker->m_entry);
     ++m_nIdleThreads;
 }
 
-CIPLThreadWorker* CTQIPLThreadPoolRedner::TakeIdle(bool newest) {
+// The one freed first, or null.
+CIPLThreadWorker* CTQIPLThreadPoolRedner::TakeIdle() {
     if (m_dequeIdle.empty()) return nullptr;
-    CIPLThreadWorker* worker = newest ? m_dequeIdle.back() : m_dequeIdle.front();
-    if (newest)
-        m_dequeIdle.pop_back();
-    else
-        m_dequeIdle.pop_front();
+    CIPLThreadWorker* worker = m_dequeIdle.front();
+    worker->m_entry.splice(worker->m_entry.end(), m_dequeIdle, m_dequeIdle.begin());
     --m_nIdleThreads;
     return worker;
 }
 
-void CTQIPLThreadPoolRedner::Unlink(CIPLThreadWorker* worker) {
-    for (int64_t i = 0; i < m_arrWorkers.GetSize(); ++i) {
-        if (m_arrWorkers.GetAt(i) != worker) continue;
+bool CTQIPLThreadPoolRedner::ReleaseNewestIdle(Released& released) {
+    if (m_dequeIdle.empty()) return false;
+    released.workers.splice(released.workers.end(), m_dequeIdle, std::prev(m_dequeIdle.end()));
+    --m_nIdleThreads;
+    for (int64_t i = m_arrWorkers.GetSize() - 1; i >= 0; --i) {
+        if (m_arrWorkers.GetAt(i) != released.workers.back()) continue;
         m_arrWorkers.RemoveAt(i);
         --m_nThreadCount;
-        return;
+        break;
     }
+    return true;
+}
+
+CTQIPLThreadPoolRedner::Released::~Released() {
+    for (CIPLThreadWorker* worker : workers) delete worker;
 }
 
 void CTQIPLThreadPoolRedner::WakeWaiting() {

@@ -6,30 +6,59 @@
 #include <tqipl/thread.h>
 
 #include <atomic>
-#include <deque>
+#include <exception>
+#include <list>
 #include <memory>
 #include <mutex>
+#include <utility>
 
 #include "frame/platform.h"
 
 class CTQIPLThreadPoolRedner;
 
-// Ties one task to the call that waits for it. The worker keeps the call's semaphore alive through
-// its last release, when the call may already have returned.
+namespace tq {
+
+// What the tasks of one call share with their caller.
+class TaskCall {
+public:
+    explicit TaskCall(int count) : m_done(count) {}
+
+    // Runs a task, unless one of the call has thrown before. What it throws is kept if it is the
+    // first. Whoever runs a task, or passes it over, calls Finish afterwards.
+    void Run(CTQIPLTaskBase& task) noexcept;
+    void Finish() { m_done.Release(); }
+
+    // For the caller: waits for one more task to finish, and throws what was kept once all have.
+    void Wait() { m_done.Wait(); }
+    bool Failed() const { return m_failed; }
+    void Rethrow();
+
+private:
+    Semaphore m_done;
+    std::atomic<bool> m_failed{false};
+    std::exception_ptr m_first;  // written by the task that sets m_failed
+};
+
+// Runs a task of a thread wrapper, where nobody waits who could be given an exception: a line on
+// the debug channel says what it threw.
+void RunForWrapper(CTQIPLTaskBase& task) noexcept;
+
+// "thread %d newly create..." for a thread that has just started.
+void EmitThreadLine(unsigned int threadId);
+
+}  // namespace tq
+
+// Ties one task to its call. Whoever runs the task keeps the call alive through its Finish, when
+// the caller may already have returned.
 class CIPLTaskEx {
 public:
-    CIPLTaskEx(CTQIPLTaskBase* task, std::shared_ptr<tq::Semaphore> done)
-        : m_pTask(task), m_hDone(std::move(done)) {}
+    CIPLTaskEx(CTQIPLTaskBase* task, std::shared_ptr<tq::TaskCall> call)
+        : m_pTask(task), m_pCall(std::move(call)) {}
     virtual ~CIPLTaskEx() {}
 
     CTQIPLTaskBase* m_pTask;
-    std::shared_ptr<tq::Semaphore> m_hDone;
+    std::shared_ptr<tq::TaskCall> m_pCall;
 };
-
-// "thread %d newly create..." for a thread that has just started.
-namespace tq {
-void EmitThreadLine(unsigned int threadId);
-}
 
 // One pool thread. It takes work from two slots: m_pTaskEx, which the dispatcher fills, and
 // m_pTask, which a thread wrapper fills that has borrowed the worker.
@@ -47,6 +76,9 @@ public:
     void* DoneHandle() { return m_bStarted ? m_events->done.Handle() : nullptr; }
 
     int m_nLent = 0;  // thread wrappers that hold this worker; under the pool's worker lock
+    // This worker's entry of the pool's idle queue while it is not there: made with the worker, so
+    // that to give one back takes no memory.
+    std::list<CIPLThreadWorker*> m_entry{this};
 
 private:
     void Loop();
@@ -93,21 +125,29 @@ private:
         tq::Thread dispatcher;
     };
 
+    // Workers that the pool has let go; they end with this, which is to be outside the lock.
+    struct Released {
+        ~Released();
+        std::list<CIPLThreadWorker*> workers;
+    };
+
     void Start();
     void Dispatch();
-    void Feed(CIPLTaskEx* taskEx);
+    void Feed(std::list<CIPLTaskEx*>& wrapped);  // the first of them
     bool IsThisThreadInPoolTask();
+    CIPLThreadWorker* StartedWorker();
     CIPLThreadWorker* RequestWorker(bool lend);
     bool MayCreateWorker(bool lend) const;
     CIPLThreadWorker* CreateWorker();
     void PushIdle(CIPLThreadWorker* worker);
-    CIPLThreadWorker* TakeIdle(bool newest);
-    void Unlink(CIPLThreadWorker* worker);
+    CIPLThreadWorker* TakeIdle();
+    bool ReleaseNewestIdle(Released& released);
     void WakeWaiting();
 
     CTQArray<CIPLThreadWorker*, CIPLThreadWorker*> m_arrWorkers;
-    std::deque<CIPLThreadWorker*> m_dequeIdle;
-    std::deque<CIPLTaskEx*> m_dequeTasks;
+    // Entries come from and go to other lists: nothing that moves a worker or a task can fail.
+    std::list<CIPLThreadWorker*> m_dequeIdle;
+    std::list<CIPLTaskEx*> m_dequeTasks;
     std::mutex m_startLock;
     std::unique_ptr<Running> m_running;
     std::atomic<bool> m_bStarted{false};

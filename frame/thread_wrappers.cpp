@@ -21,12 +21,12 @@ public:
     CIPLThreadBase& operator=(const CIPLThreadBase&) = delete;
 
     void* SetTask(CTQIPLTaskBase* task) {
-        m_pTask = task;
         if (!m_thread.Started()) {
             if (!m_events) m_events = std::make_unique<Events>();
             m_thread.Start([](void* self) { static_cast<CIPLThreadBase*>(self)->Loop(); }, this);
             tq::EmitThreadLine(m_thread.Id());
         }
+        m_pTask = task;
         m_events->done.Reset();
         m_events->wake.Set();
         return DoneHandle();
@@ -47,7 +47,7 @@ private:
         for (;;) {
             m_events->wake.Wait();
             if (m_bStop) return;
-            if (CTQIPLTaskBase* task = m_pTask.exchange(nullptr)) task->Run();
+            if (CTQIPLTaskBase* task = m_pTask.exchange(nullptr)) tq::RunForWrapper(*task);
             m_events->done.Set();
         }
     }

@@ -107,7 +107,6 @@ template <class Operation> void RunWhole(const Change& change, int dstStride, un
     typename Operation::Task task;
     SetBand(task, change, {change.height, 1, change.height}, 0, dstStride, dst);
     task.Run();
-    tq::ThrowIfOutOfMemory(task);
     ClearMargin(change, dstStride, dst);
 }
 
@@ -163,11 +162,13 @@ template <class Operation> void RunBands(const Change& change) {
 }  // namespace
 
 int CMorph_ErosionTask::Run() {
-    return tq::RunInTask(*this, [this] { WriteInnerPixels<Erosion>(*this); });
+    WriteInnerPixels<Erosion>(*this);
+    return 1;
 }
 
 int CMorph_DilationTask::Run() {
-    return tq::RunInTask(*this, [this] { WriteInnerPixels<Dilation>(*this); });
+    WriteInnerPixels<Dilation>(*this);
+    return 1;
 }
 
 void IPL_Erosion(int width, int height, int stride, unsigned char* image, int radiusY,

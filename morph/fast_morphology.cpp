@@ -74,7 +74,6 @@ void RunPlain(int width, int height, int stride, unsigned char* image, int radiu
     task.m_nRadiusY = radiusY;
     task.m_nRadiusX = radiusX;
     task.Run();
-    tq::ThrowIfOutOfMemory(task);
 }
 
 template <class Operation>
@@ -160,11 +159,13 @@ void RunTwoInPlace(int width, int height, int stride, unsigned char* image, int 
 }  // namespace
 
 int CZFErosion_Task::Run() {
-    return tq::RunInTask(*this, [this] { WriteBand<Erosion>(*this); });
+    WriteBand<Erosion>(*this);
+    return 1;
 }
 
 int CZFDilation_Task::Run() {
-    return tq::RunInTask(*this, [this] { WriteBand<Dilation>(*this); });
+    WriteBand<Dilation>(*this);
+    return 1;
 }
 
 void IPL_FErosion(int width, int height, int stride, unsigned char* image, int radiusY,

@@ -60,15 +60,14 @@ void IPL_FCCLabeling2(int width, int height, int stride, unsigned char* mask,
 }
 
 int CZFCCLabeing_Task::Run() {
-    return tq::RunInTask(*this, [this] {
-        if (m_bLabel != 0) {
-            tq::LabelBand(*this, {m_pBand, m_nWidth, m_nStride, m_nFirstRow, m_nEndRow},
-                          tq::RunPixels::kNonzero);
-        } else {
-            ClearOrList(m_runs, tq::FirstRow(m_pBand, m_nFirstRow, m_nStride), m_nStride,
-                        m_nMinimumSize, m_rects);
-        }
-    });
+    if (m_bLabel != 0) {
+        tq::LabelBand(*this, {m_pBand, m_nWidth, m_nStride, m_nFirstRow, m_nEndRow},
+                      tq::RunPixels::kNonzero);
+    } else {
+        ClearOrList(m_runs, tq::FirstRow(m_pBand, m_nFirstRow, m_nStride), m_nStride,
+                    m_nMinimumSize, m_rects);
+    }
+    return 1;
 }
 
 void IPL_FCCLabeling_MultiThread(int width, int height, int stride, unsigned char* mask,

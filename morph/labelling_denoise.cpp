@@ -83,18 +83,17 @@ void IPL_FCCLabelingDeNoiseEx2(unsigned int width, unsigned int height, unsigned
 }
 
 int CZFCCDeNoiseEx_Task::Run() {
-    return tq::RunInTask(*this, [this] {
-        const int firstRow = static_cast<int>(m_nFirstRow);
-        if (m_bLabel != 0) {
-            tq::LabelBand(*this,
-                          {m_pBand, static_cast<int>(m_nWidth), m_nStride, firstRow,
-                           static_cast<int>(m_nEndRow)},
-                          tq::RunPixels::kZero);
-        } else {
-            tq::FillSmallZeroRegions(m_runs, tq::FirstRow(m_pBand, firstRow, m_nStride), m_nStride,
-                                     m_nThreshold);
-        }
-    });
+    const int firstRow = static_cast<int>(m_nFirstRow);
+    if (m_bLabel != 0) {
+        tq::LabelBand(
+            *this,
+            {m_pBand, static_cast<int>(m_nWidth), m_nStride, firstRow, static_cast<int>(m_nEndRow)},
+            tq::RunPixels::kZero);
+    } else {
+        tq::FillSmallZeroRegions(m_runs, tq::FirstRow(m_pBand, firstRow, m_nStride), m_nStride,
+                                 m_nThreshold);
+    }
+    return 1;
 }
 
 void IPL_FCCLabelingDeNoiseEx_MultiThread(unsigned int width, unsigned int height,
@@ -115,19 +114,18 @@ void IPL_FCCLabelingDeNoiseEx_MultiThread(unsigned int width, unsigned int heigh
 }
 
 int CZFCCDeNoiseEx2_Task::Run() {
-    return tq::RunInTask(*this, [this] {
-        if (m_bLabel != 0) {
-            const int firstRow = static_cast<int>(m_nFirstRow);
-            tq::LabelBand(*this,
-                          {m_pImage + int64_t{firstRow} * m_nStride, static_cast<int>(m_nWidth),
-                           m_nStride, firstRow, firstRow + static_cast<int>(m_nRows)},
-                          tq::RunPixels::kZero);
-        } else if (m_nMode == 0) {
-            tq::FillSmallZeroRegions(m_runs, m_pImage, m_nStride, m_nThreshold);
-        } else {
-            tq::CollectSeeds(m_runs, m_pImage, m_nStride, m_seeds);
-        }
-    });
+    if (m_bLabel != 0) {
+        const int firstRow = static_cast<int>(m_nFirstRow);
+        tq::LabelBand(*this,
+                      {m_pImage + int64_t{firstRow} * m_nStride, static_cast<int>(m_nWidth),
+                       m_nStride, firstRow, firstRow + static_cast<int>(m_nRows)},
+                      tq::RunPixels::kZero);
+    } else if (m_nMode == 0) {
+        tq::FillSmallZeroRegions(m_runs, m_pImage, m_nStride, m_nThreshold);
+    } else {
+        tq::CollectSeeds(m_runs, m_pImage, m_nStride, m_seeds);
+    }
+    return 1;
 }
 
 void IPL_FCCLabelingDeNoiseEx2_MultiThread(unsigned int width, unsigned int height,

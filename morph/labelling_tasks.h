@@ -1,8 +1,7 @@
 #pragma once
 
 // Tasks of labelling, denoising and growth. Those that label run twice or more over the same bands:
-// m_bLabel says what Run does. If memory runs out in Run, m_bOutOfMemory says so; a task must not
-// throw.
+// m_bLabel says what Run does. Run throws std::bad_alloc when memory is exhausted.
 
 #include <tqipl/array.h>
 #include <tqipl/thread.h>
@@ -26,7 +25,6 @@ public:
     int m_nTopCount = 0;     // runs in the first row
     int m_nBottomCount = 0;  // runs in the last row
     tq::RunVector m_runs;
-    bool m_bOutOfMemory = false;
     int Run() override;
 };
 
@@ -42,7 +40,6 @@ public:
     int m_nTopCount = 0;
     int m_nBottomCount = 0;
     tq::RunVector m_runs;
-    bool m_bOutOfMemory = false;
     int Run() override;
 };
 
@@ -67,7 +64,6 @@ public:
     int m_nBottomCount = 0;
     tq::RunVector m_runs;
     std::vector<tq::Seed> m_seeds;
-    bool m_bOutOfMemory = false;
     int Run() override;
 };
 
@@ -82,6 +78,5 @@ public:
     unsigned int m_nMaskStride = 0;
     unsigned char* m_pMask = nullptr;
     std::vector<tq::Seed>* m_pSeeds = nullptr;
-    bool m_bOutOfMemory = false;
     int Run() override;
 };

@@ -4,7 +4,7 @@
 
 #include <climits>
 
-// Band tasks of erosion and dilation.
+// Band tasks of erosion and dilation. Run throws std::bad_alloc when memory is exhausted.
 
 namespace tq {
 
@@ -34,8 +34,6 @@ public:
     // the destination may be the source.
     const unsigned char* m_pSeamAbove = nullptr;
     const unsigned char* m_pSeamBelow = nullptr;
-
-    bool m_bOutOfMemory = false;  // set by Run, which must not throw
 };
 
 // One band of IPL_FErosion or IPL_FDilation. The source may be the destination if one task has all
@@ -56,7 +54,6 @@ public:
     // As above.
     const unsigned char* m_pSeamAbove = nullptr;
     const unsigned char* m_pSeamBelow = nullptr;
-    bool m_bOutOfMemory = false;
 };
 
 }  // namespace tq

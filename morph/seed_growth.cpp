@@ -153,14 +153,13 @@ void IPL_FCCDeNoiseAndGrowth(unsigned int width, unsigned int height, unsigned i
 }
 
 int CZSeedGrowth_Task::Run() {
-    return tq::RunInTask(*this, [this] {
-        Growth growth(*this);
-        while (!m_pSeeds->empty()) {
-            const tq::Seed seed = m_pSeeds->back();
-            m_pSeeds->pop_back();
-            growth.SpreadFrom(seed);
-        }
-    });
+    Growth growth(*this);
+    while (!m_pSeeds->empty()) {
+        const tq::Seed seed = m_pSeeds->back();
+        m_pSeeds->pop_back();
+        growth.SpreadFrom(seed);
+    }
+    return 1;
 }
 
 void IPL_FCCDeNoiseAndGrowth2(unsigned int width, unsigned int height, unsigned int guideStride,
@@ -177,7 +176,6 @@ void IPL_FCCDeNoiseAndGrowth2(unsigned int width, unsigned int height, unsigned 
     CZSeedGrowth_Task task;
     Prepare(task, {width, height, guideStride, guide, maskStride, mask}, seeds);
     task.Run();
-    tq::ThrowIfOutOfMemory(task);
 }
 
 void IPL_FCCDeNoiseAndGrowth2_MultiThread(unsigned int width, unsigned int height,

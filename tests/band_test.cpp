@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <atomic>
 #include <mutex>
+#include <new>
 #include <numeric>
 #include <thread>
 #include <vector>
@@ -205,6 +206,43 @@ TEST(TaskSet, EmptySetDoesNothing) {
         tasks.Run();
     }
     EXPECT_TRUE(CountedTask::s_ended.empty());
+}
+
+// A task that may throw, and counts those that are there.
+class FaultyTask : public CTQIPLTaskBase {
+public:
+    FaultyTask() { ++s_living; }
+    ~FaultyTask() override { --s_living; }
+    int Run() override {
+        ++s_runs;
+        if (m_nNumber == 2) throw std::bad_alloc();
+        if (m_nNumber == 3) throw m_nNumber;
+        return 1;
+    }
+
+    int m_nNumber = 0;
+    static inline std::atomic<int> s_living{0}, s_runs{0};
+};
+
+TEST(TaskSet, HandsOnWhatATaskThrowsAndDeletesAll) {
+    tqtest::Deadline deadline;
+    tqtest::Settings settings;
+    for (unsigned int processors : {1u, 2u, 4u}) {
+        settings.UseProcessors(processors);
+        for (int stride : {10, 9}) {  // rows of their own, and rows that share bytes
+            tq::TaskSet<FaultyTask> tasks;
+            for (int i = 0; i < 6; ++i) tasks.Add().m_nNumber = i == 4 ? 2 : 0;
+            EXPECT_THROW(tasks.RunOnRows(10, stride), std::bad_alloc);
+            EXPECT_EQ(FaultyTask::s_living, 6);
+            tasks.At(4).m_nNumber = 3;
+            EXPECT_THROW(tasks.RunOnRows(10, stride), int);
+            tasks.At(4).m_nNumber = 0;
+            FaultyTask::s_runs = 0;
+            tasks.RunOnRows(10, stride);
+            EXPECT_EQ(FaultyTask::s_runs, 6);
+        }
+        EXPECT_EQ(FaultyTask::s_living, 0);
+    }
 }
 
 // ---- A whole form -------------------------------------------------------------

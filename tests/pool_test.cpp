@@ -20,76 +20,21 @@
 #include "support/debug_lines.h"
 #include "support/function_task.h"
 #include "support/latch.h"
+#include "support/pool_stage.h"
 #include "support/settings.h"
 #include "support/wait_done.h"
-
-#if defined(__GLIBC__)
-#include <pthread.h>
-#endif
 
 namespace {
 
 using tqtest::DebugLines;
 using tqtest::Eventually;
 using tqtest::FunctionTask;
+using tqtest::Held;
+using tqtest::Numbers;
+using tqtest::StatsOf;
 using tqtest::TaskList;
 
-using Numbers = std::array<unsigned int, 4>;  // maximum, workers, busy, idle
-
-Numbers StatsOf(CTQIPLThreadPool& pool) {
-    TQ_THREAD_STATS stats{77, 77, 77, 77};
-    EXPECT_EQ(pool.GetThreadStats(&stats), 0);
-    return {stats.m_nMaxThreads, stats.m_nThreadCount, stats.m_nBusyThreads, stats.m_nIdleThreads};
-}
-
-// Every test has a pool and ends in time.
-class Pool : public testing::Test {
-protected:
-    Pool() : m_owner(Create_IPLThreadPool(), Delete_IPLThreadPool), m_pool(*m_owner) {}
-
-    int Run(TaskList& tasks, int limit) { return m_pool.RunTasks(tasks.Array(), limit); }
-    int Run(std::function<void()> body, int limit) {
-        TaskList tasks;
-        tasks.Add(std::move(body));
-        return Run(tasks, limit);
-    }
-    Numbers Stats() { return StatsOf(m_pool); }
-    // A worker is back a little after its call has returned.
-    bool AllIdle() {
-        return Eventually([this] { return Stats()[2] == 0; });
-    }
-
-    tqtest::Deadline m_deadline;
-    std::unique_ptr<CTQIPLThreadPool, void (*)(CTQIPLThreadPool*)> m_owner;
-    CTQIPLThreadPool& m_pool;
-};
-
-// Holds workers of a pool: one task for each, which ends when this is told to.
-class Held {
-public:
-    Held(CTQIPLThreadPool& pool, int count) : m_begun(count) {
-        TaskList* tasks = &m_tasks;
-        for (int i = 0; i < count; ++i)
-            tasks->Add([this] {
-                m_begun.CountDown();
-                m_goOn.Wait();
-            });
-        m_caller = std::thread([&pool, tasks, count] { pool.RunTasks(tasks->Array(), count + 1); });
-        m_begun.Wait();
-    }
-    ~Held() { Release(); }
-    void Release() {
-        if (!m_caller.joinable()) return;
-        m_goOn.CountDown();
-        m_caller.join();
-    }
-
-private:
-    tqtest::Latch m_begun;
-    tqtest::Latch m_goOn{1};
-    TaskList m_tasks;
-    std::thread m_caller;
-};
+class Pool : public tqtest::PoolTest {};
 
 // How many tasks run at once.
 class Flight {
@@ -767,31 +712,11 @@ TEST(PoolLife, CallersOfManyShortCallsOutliveNothing) {
 // ---- A system that has no more threads ----------------------------------------
 
 #if defined(__GLIBC__)
-// No address space has room for the stacks of threads that start while this lives.
-class NoThreads {
-public:
-    NoThreads() {
-        pthread_getattr_default_np(&m_before);
-        pthread_attr_t attributes;
-        pthread_getattr_default_np(&attributes);
-        pthread_attr_setstacksize(&attributes, size_t{1} << 47);
-        EXPECT_EQ(pthread_setattr_default_np(&attributes), 0);
-        pthread_attr_destroy(&attributes);
-    }
-    ~NoThreads() {
-        pthread_setattr_default_np(&m_before);
-        pthread_attr_destroy(&m_before);
-    }
-
-private:
-    pthread_attr_t m_before;
-};
-
 TEST_F(Pool, TasksRunWhenTheSystemHasNoMoreThreads) {
     std::atomic<int> ran{0}, nested{0};
     m_pool.SetThreadLimits(2, 8);  // the dispatcher is there, the workers have no threads
     {
-        NoThreads noThreads;
+        tqtest::NoThreads noThreads;
         TaskList tasks(6, [&](int) {
             ++ran;
             TaskList inner(3, [&](int) { ++nested; });
@@ -813,7 +738,7 @@ TEST_F(Pool, TasksRunWhenTheSystemHasNoMoreThreads) {
 TEST_F(Pool, StartThatFailsMayBeTriedAgain) {
     TaskList none, tasks(2, [](int) {});
     {
-        NoThreads noThreads;
+        tqtest::NoThreads noThreads;
         EXPECT_EQ(Run(none, 2), 0);
         EXPECT_THROW(Run(tasks, 2), std::bad_alloc);
         EXPECT_THROW(Run(tasks, 2), std::bad_alloc);
@@ -831,7 +756,7 @@ TEST_F(GlobalPool, WrapperThatGetsNoThreadMayTryAgain) {
     CTQIPLThreadAuto borrowed;
     CTQIPLThreadBase own;
     {
-        NoThreads noThreads;
+        tqtest::NoThreads noThreads;
         EXPECT_THROW(borrowed.SetTask(&task), std::bad_alloc);
         EXPECT_THROW(own.SetTask(&task), std::bad_alloc);
     }

@@ -7,7 +7,9 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <set>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <utility>
@@ -231,6 +233,55 @@ TYPED_TEST(EachWrapper, TaskMayRunTasksOnTheGlobalPool) {
     EXPECT_EQ(ran, 6);
 }
 
+TYPED_TEST(EachWrapper, TaskThatThrowsSignalsAndOneLineSaysWhat) {
+    TypeParam wrapper;
+    FunctionTask good([] {});
+    EXPECT_TRUE(WaitDone(wrapper.SetTask(&good)));
+    const Numbers before = Stats();
+    DebugLines lines;
+    FunctionTask memory([] { throw std::bad_alloc(); });
+    EXPECT_TRUE(WaitDone(wrapper.SetTask(&memory)));
+    FunctionTask error([] { throw std::runtime_error("row 77\nis \xE9 late"); });
+    EXPECT_TRUE(WaitDone(wrapper.SetTask(&error)));
+    FunctionTask number([] { throw 5; });
+    EXPECT_TRUE(WaitDone(wrapper.SetTask(&number)));
+    FunctionTask lengthy([] { throw std::runtime_error(std::string(5000, 'x')); });
+    EXPECT_TRUE(WaitDone(wrapper.SetTask(&lengthy)));
+    EXPECT_FALSE(WaitDone(wrapper.GetEvent(), 0));
+
+    const std::string begin = "a thread wrapper's task threw: ";
+    const std::vector<std::string> seen = lines.Lines();
+    ASSERT_EQ(seen.size(), 4u);
+    EXPECT_EQ(seen[0], begin + "std::bad_alloc\n");
+    EXPECT_EQ(seen[1], begin + "row 77?is ? late\n");
+    EXPECT_EQ(seen[2], begin + "not a std::exception\n");
+    EXPECT_EQ(seen[3], begin + std::string(seen[3].size() - begin.size() - 1, 'x') + "\n");
+    EXPECT_LT(seen[3].size(), 256u);
+
+    int runs = 0;
+    FunctionTask next([&] { ++runs; });
+    EXPECT_TRUE(WaitDone(wrapper.SetTask(&next)));
+    EXPECT_EQ(runs, 1);
+    EXPECT_EQ(Stats(), before);
+}
+
+TYPED_TEST(EachWrapper, CallInATaskHandsOnWhatItsTasksThrow) {
+    std::atomic<int> caught{0};
+    FunctionTask task([&] {
+        tqtest::TaskList tasks(4, [](int i) {
+            if (i == 2) throw i;
+        });
+        try {
+            CTQIPLThreadPool::GetInstance()->RunTasks(tasks.Array(), 2);
+        } catch (int number) {
+            caught = number;
+        }
+    });
+    TypeParam wrapper;
+    EXPECT_TRUE(WaitDone(wrapper.SetTask(&task)));
+    EXPECT_EQ(caught, 2);
+}
+
 // ---- A thread of its own ------------------------------------------------------
 
 TEST_F(Wrappers, OwnThreadStaysOutOfThePool) {
@@ -425,6 +476,35 @@ TEST_F(Wrappers, NullTaskOfABorrowedWorkerSignalsNothing) {
     EXPECT_FALSE(WaitDone(event, 0));
     second.goOn.CountDown();
     EXPECT_TRUE(WaitDone(event));
+}
+
+TEST_F(Wrappers, WorkerOfATaskThatThrewGoesBackToThePool) {
+    DebugLines lines;
+    m_pool.SetThreadLimits(0, 1);
+    FunctionTask task([] { throw 1; });
+    for (int i = 0; i < 3; ++i) {
+        CTQIPLThreadAuto wrapper;
+        EXPECT_TRUE(WaitDone(wrapper.SetTask(&task)));
+        EXPECT_EQ(Stats(), (Numbers{1, 1, 1, 0}));
+    }
+    EXPECT_EQ(Stats(), (Numbers{1, 1, 0, 1}));
+    EXPECT_EQ(lines.Count(), 4u);  // one thread, three tasks
+}
+
+// A worker that a pool task has left with an exception is in no pool task afterwards: a call from
+// it uses the pool.
+TEST_F(Wrappers, WorkerWhosePoolTaskThrewRunsTasksOnThePool) {
+    tqtest::TaskList faulty(1, [](int) { throw 1; });
+    EXPECT_THROW(m_pool.RunTasks(faulty.Array(), 2), int);
+    ASSERT_TRUE(Eventually([] { return Stats()[2] == 0; }));
+    CTQIPLThreadAuto wrapper;
+    EXPECT_EQ(Stats(), (Numbers{128, 1, 1, 0}));
+    FunctionTask task([this] {
+        tqtest::Latch both(2);
+        tqtest::TaskList tasks(2, [&](int) { both.ArriveAndWait(); });
+        m_pool.RunTasks(tasks.Array(), 2);
+    });
+    EXPECT_TRUE(WaitDone(wrapper.SetTask(&task)));
 }
 
 TEST_F(Wrappers, BorrowerWaitsWhenAllWorkersAreOut) {

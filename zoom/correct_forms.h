@@ -57,7 +57,7 @@ template <class Task> void ZoomCorrectPlain(const ZoomImages& images, int channe
     task.Run();
 }
 
-// All memory is taken here: a task that could not have it would have nobody to tell.
+// All memory is taken here: the tasks take none.
 template <class Task, class BandScratch>
 void ZoomCorrectMultiThread(const ZoomImages& images, int channels) {
     LuminancePlane luminance(images, channels, IPL_ARGB2LUM_MultiThread);

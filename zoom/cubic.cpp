@@ -39,12 +39,11 @@ int CZCubicXTask::Run() {
     if (channels == 0) return 1;
     const tq::CubicRows rows = {m_nSrcStride, m_pSrc,      m_nDstWidth, channels,
                                 m_pWeights,   m_nRowBegin, m_nRowEnd};
-    return tq::RunInTask(*this, [&] {
-        if (m_bToIntermediate)
-            tq::SumCubicRows(rows, m_nDstStride, m_pIntermediate);
-        else
-            tq::FinishCubicRows(rows, m_nDstStride, m_pDst);
-    });
+    if (m_bToIntermediate)
+        tq::SumCubicRows(rows, m_nDstStride, m_pIntermediate);
+    else
+        tq::FinishCubicRows(rows, m_nDstStride, m_pDst);
+    return 1;
 }
 
 int CZCubicYTask::Run() {

@@ -71,15 +71,14 @@ inline void RunCubicYBands(const ZoomImages& images, int channels, const int* re
 class CubicBandTask final : public CTQIPLTaskBase {
 public:
     int Run() override {
-        return RunInTask(
-            *this, [this] { ZoomCubicXY(m_images, m_channels, m_columnRecords, m_rowRecords); });
+        ZoomCubicXY(m_images, m_channels, m_columnRecords, m_rowRecords);
+        return 1;
     }
 
     ZoomImages m_images{};
     int m_channels = 0;
     const int* m_columnRecords = nullptr;
     const int* m_rowRecords = nullptr;
-    bool m_bOutOfMemory = false;
 };
 
 // A band's sums of source rows are of use to no other band, so each takes both passes by itself:

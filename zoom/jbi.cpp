@@ -80,7 +80,7 @@ void InterpolatePlain(const CZJBITask& whole) {
     task.Run();
 }
 
-// All memory is taken here: a task that could not have it would have nobody to tell.
+// All memory is taken here: the tasks take none.
 void InterpolateMultiThread(const CZJBITask& whole) {
     const tq::BandPlan plan = tq::PlanBands(tq::kBandFormB, whole.m_nRowEnd - whole.m_nRowBegin);
     tq::TaskSet<CZJBITask> tasks;

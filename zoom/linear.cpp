@@ -239,7 +239,7 @@ template <int kChannels> int RunTask(const tq::LinearTask& task) {
     return 1;
 }
 
-// All memory is taken here: a task that could not have it would have nobody to tell.
+// All memory is taken here: the tasks take none.
 template <int kChannels, class Task> void ZoomMultiThread(const tq::ZoomImages& images) {
     if (!tq::BeginZoom(images, kChannels)) return;
     const tq::BandPlan plan = tq::PlanBands(tq::kBandFormB, images.dstHeight);

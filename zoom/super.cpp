@@ -356,7 +356,7 @@ void RunBands(const tq::ZoomImages& images, int channels, const tq::BandPlan& pl
     tasks.RunOnRows(int64_t{images.dstWidth} * channels, images.dstStride);
 }
 
-// All memory is taken here, if any: a task that could not have it would have nobody to tell.
+// All memory is taken here, if any: the tasks take none.
 void ZoomMultiThread(const tq::ZoomImages& images, int channels, ZoomFunction enlarge) {
     if (!BeginSuper(images, channels, enlarge)) return;
     const tq::BandPlan plan = tq::PlanBands(tq::kBandFormB, images.dstHeight);
@@ -375,13 +375,12 @@ int CZoomSuperTask::Run() {
     const tq::ZoomImages images = {m_nSrcWidth, m_nSrcHeight, m_nSrcStride, m_pSrc,
                                    m_nDstWidth, m_nDstHeight, m_nDstStride, m_pDst};
     if (!tq::HasPixels(images)) return 1;
-    return tq::RunInTask(*this, [&] {
-        if (m_pColumns != nullptr)
-            ZoomRows(images, channels, AreaEnd::kBeginPlusScale, *m_pColumns, m_pScratch,
-                     m_nRowBegin, m_nRowEnd);
-        else
-            ZoomRows(images, channels, AreaEnd::kBeginPlusScale, m_nRowBegin, m_nRowEnd);
-    });
+    if (m_pColumns != nullptr)
+        ZoomRows(images, channels, AreaEnd::kBeginPlusScale, *m_pColumns, m_pScratch, m_nRowBegin,
+                 m_nRowEnd);
+    else
+        ZoomRows(images, channels, AreaEnd::kBeginPlusScale, m_nRowBegin, m_nRowEnd);
+    return 1;
 }
 
 void IPL_ZoomSuper_8u_C1R(int srcWidth, int srcHeight, int srcStride, unsigned char* src,

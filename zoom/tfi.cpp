@@ -246,13 +246,11 @@ int CZoomTFITask_8u_C1R::Run() {
     const tq::ZoomImages images = {m_nSrcWidth, m_nSrcHeight, m_nSrcStride, m_pSrc,
                                    m_nDstWidth, m_nDstHeight, m_nDstStride, m_pDst};
     if (!tq::HasPixels(images)) return 1;
-    return tq::RunInTask(*this, [&] {
-        if (m_pScratch != nullptr)
-            ZoomRows(images, tq::TFISpread::kDeviation, *m_pScratch, m_nRowBegin, m_nRowEnd);
-        else
-            ZoomRows(images, tq::TFISpread::kDeviation, ScratchSet(1).At(0), m_nRowBegin,
-                     m_nRowEnd);
-    });
+    if (m_pScratch != nullptr)
+        ZoomRows(images, tq::TFISpread::kDeviation, *m_pScratch, m_nRowBegin, m_nRowEnd);
+    else
+        ZoomRows(images, tq::TFISpread::kDeviation, ScratchSet(1).At(0), m_nRowBegin, m_nRowEnd);
+    return 1;
 }
 
 void IPL_ZoomTFI_8u_C1R(int srcWidth, int srcHeight, int srcStride, unsigned char* src,
@@ -263,7 +261,7 @@ void IPL_ZoomTFI_8u_C1R(int srcWidth, int srcHeight, int srcStride, unsigned cha
         ZoomRows(images, tq::TFISpread::kVariance, ScratchSet(1).At(0), 0, dstHeight);
 }
 
-// All memory is taken here: a task that could not have it would have nobody to tell.
+// All memory is taken here: the tasks take none.
 void IPL_ZoomTFIMultiThread_8u_C1R(int srcWidth, int srcHeight, int srcStride, unsigned char* src,
                                    int dstWidth, int dstHeight, int dstStride, unsigned char* dst) {
     if (!tq::BeginZoom({srcWidth, srcHeight, srcStride, src, dstWidth, dstHeight, dstStride, dst},

@@ -97,8 +97,6 @@ public:
     const int* m_pWeights = nullptr;
     int m_nChannelMode = 0;
     int m_bToIntermediate = 0;
-
-    bool m_bOutOfMemory = false;  // set by Run, which must not throw
 };
 
 // Destination columns of the cubic zooms, with weights as above. m_nSrcStride counts bytes, or
@@ -141,7 +139,6 @@ public:
     // task. Null: all columns, and the task takes memory itself.
     const tq::SuperColumns* m_pColumns = nullptr;
     float* m_pScratch = nullptr;
-    bool m_bOutOfMemory = false;  // set by Run, which must not throw
 };
 
 // Windows of the variance map, from the one whose top row is m_pRows down; m_pMap is the map row of
@@ -201,5 +198,4 @@ public:
 
     // Memory for this task. Null: it takes memory itself.
     tq::TFIScratch* m_pScratch = nullptr;
-    bool m_bOutOfMemory = false;  // set by Run, which must not throw
 };

@@ -111,6 +111,29 @@ TEST(ModuleMemory, BuffersComeAndGo) {
 
 TEST(ModuleImages, EveryFamilyAnswers) {
     std::vector<unsigned char> yuyv = {180, 128, 180, 128, 16, 128, 16, 128};
+struct HostFault {
+    int number;
+};
+
+class FaultyTask : public CTQIPLTaskBase {
+public:
+    int Run() override { throw HostFault{4711}; }
+};
+
+TEST(ModulePool, HandsAHostWhatItsTaskThrew) {
+    for (int limit : {1, 2}) {
+        FaultyTask faulty;
+        CTQArray<CTQIPLTaskBase*, CTQIPLTaskBase*> tasks;
+        tasks.Add(&faulty);
+        try {
+            CTQIPLThreadPool::GetInstance()->RunTasks(tasks, limit);
+            ADD_FAILURE();
+        } catch (const HostFault& fault) {
+            EXPECT_EQ(fault.number, 4711);
+        }
+    }
+}
+
     std::vector<unsigned char> argb(16), back(8), plane(4), twice(8);
     IPL_YUYV2ARGB_709_MultiThread(4, 1, 8, yuyv.data(), 16, argb.data());
     EXPECT_EQ(argb, (std::vector<unsigned char>{191, 191, 191, 255, 191, 191, 191, 255, 0, 0, 0,
