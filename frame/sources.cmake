@@ -8,4 +8,5 @@ target_sources(tq_objects PRIVATE
     frame/tables.cpp
     frame/thread_pool.cpp
     frame/thread_wrappers.cpp
+    frame/version.cpp
     $<IF:$<PLATFORM_ID:Windows>,frame/platform_win32.cpp,frame/platform_posix.cpp>)

@@ -16,6 +16,7 @@
 #include <tqipl/planes.h>
 #include <tqipl/thread.h>
 #include <tqipl/types.h>
+#include <tqipl/version.h>
 #include <tqipl/wait_event.h>
 #include <tqipl/wavelet.h>
 #include <tqipl/zoom.h>

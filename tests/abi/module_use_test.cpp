@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <string>
 #include <vector>
 
 #if defined(_WIN32)
@@ -31,6 +32,38 @@ static_assert(sizeof(TQ_COLOR_FORMAT) == 4 && sizeof(TQ_COLOR_MATRIX) == 4);
 static_assert(sizeof(CTQIPLTaskBase) == 8 && sizeof(CTQIPLThreadPool) == 8);
 static_assert(sizeof(CTQIPLThreadBase) == 16 && sizeof(CTQIPLThreadAuto) == 16);
 static_assert(sizeof(CTQIPLMemoryAuto) == 40);
+
+TEST(ModuleVersion, IsThatOfTheHeaders) {
+    EXPECT_STREQ(TQ_GetVersion(), TQIPL_VERSION_STRING);
+    EXPECT_EQ(std::string(TQ_GetVersion()), std::to_string(TQIPL_VERSION_MAJOR) + "." +
+                                                std::to_string(TQIPL_VERSION_MINOR) + "." +
+                                                std::to_string(TQIPL_VERSION_PATCH));
+}
+
+#if defined(_WIN32)
+TEST(ModuleVersion, IsWhatTheSystemShows) {
+    std::vector<unsigned char> resource(GetFileVersionInfoSizeA("TQIPLBaseLibU.dll", nullptr));
+    ASSERT_FALSE(resource.empty());
+    ASSERT_TRUE(GetFileVersionInfoA("TQIPLBaseLibU.dll", 0, static_cast<DWORD>(resource.size()),
+                                    resource.data()));
+    void* found = nullptr;
+    UINT size = 0;
+    ASSERT_TRUE(VerQueryValueA(resource.data(), "\\", &found, &size));
+    ASSERT_EQ(size, sizeof(VS_FIXEDFILEINFO));
+    const VS_FIXEDFILEINFO* fixed = static_cast<VS_FIXEDFILEINFO*>(found);
+    const DWORD upper = TQIPL_VERSION_MAJOR << 16 | TQIPL_VERSION_MINOR;
+    const DWORD lower = TQIPL_VERSION_PATCH << 16;
+    EXPECT_EQ(fixed->dwFileVersionMS, upper);
+    EXPECT_EQ(fixed->dwFileVersionLS, lower);
+    EXPECT_EQ(fixed->dwProductVersionMS, upper);
+    EXPECT_EQ(fixed->dwProductVersionLS, lower);
+    for (const char* name : {"FileVersion", "ProductVersion"}) {
+        const std::string path = std::string("\\StringFileInfo\\040904B0\\") + name;
+        ASSERT_TRUE(VerQueryValueA(resource.data(), path.c_str(), &found, &size)) << name;
+        EXPECT_STREQ(static_cast<char*>(found), TQIPL_VERSION_STRING) << name;
+    }
+}
+#endif
 
 template <class T> T FieldAt(const void* object, size_t offset) {
     T field;
@@ -78,6 +111,29 @@ TEST(ModulePool, RunsTheTasksOfAHost) {
     Delete_IPLThreadPool(nullptr);
 }
 
+struct HostFault {
+    int number;
+};
+
+class FaultyTask : public CTQIPLTaskBase {
+public:
+    int Run() override { throw HostFault{4711}; }
+};
+
+TEST(ModulePool, HandsAHostWhatItsTaskThrew) {
+    for (int limit : {1, 2}) {
+        FaultyTask faulty;
+        CTQArray<CTQIPLTaskBase*, CTQIPLTaskBase*> tasks;
+        tasks.Add(&faulty);
+        try {
+            CTQIPLThreadPool::GetInstance()->RunTasks(tasks, limit);
+            ADD_FAILURE();
+        } catch (const HostFault& fault) {
+            EXPECT_EQ(fault.number, 4711);
+        }
+    }
+}
+
 bool WaitDone(void* event) {
 #if defined(_WIN32)
     return WaitForSingleObject(event, 10000) == WAIT_OBJECT_0;
@@ -111,29 +167,6 @@ TEST(ModuleMemory, BuffersComeAndGo) {
 
 TEST(ModuleImages, EveryFamilyAnswers) {
     std::vector<unsigned char> yuyv = {180, 128, 180, 128, 16, 128, 16, 128};
-struct HostFault {
-    int number;
-};
-
-class FaultyTask : public CTQIPLTaskBase {
-public:
-    int Run() override { throw HostFault{4711}; }
-};
-
-TEST(ModulePool, HandsAHostWhatItsTaskThrew) {
-    for (int limit : {1, 2}) {
-        FaultyTask faulty;
-        CTQArray<CTQIPLTaskBase*, CTQIPLTaskBase*> tasks;
-        tasks.Add(&faulty);
-        try {
-            CTQIPLThreadPool::GetInstance()->RunTasks(tasks, limit);
-            ADD_FAILURE();
-        } catch (const HostFault& fault) {
-            EXPECT_EQ(fault.number, 4711);
-        }
-    }
-}
-
     std::vector<unsigned char> argb(16), back(8), plane(4), twice(8);
     IPL_YUYV2ARGB_709_MultiThread(4, 1, 8, yuyv.data(), 16, argb.data());
     EXPECT_EQ(argb, (std::vector<unsigned char>{191, 191, 191, 255, 191, 191, 191, 255, 0, 0, 0,

@@ -65,10 +65,12 @@ run info
 check "info prints the version" grep -Eq '^version: +[0-9]+\.[0-9]+\.[0-9]+$' stdout
 check "info prints the processors" grep -Eq '^processors: +[1-9][0-9]*$' stdout
 check "info prints the level" grep -Eq '^level: +(base|SSE4\.1|AVX2)' stdout
-check "info prints three lines" test "$(wc -l <stdout)" = 3
+check "info prints four lines" test "$(wc -l <stdout)" = 4
 check "info counts the processors that the process may use" \
     grep -Eq "^processors: +$(env -u OMP_NUM_THREADS -u OMP_THREAD_LIMIT nproc)$" stdout
 version=$(sed -n 's/^version: *//p' stdout)
+check "info prints the module's version, which is that of the headers" \
+    grep -Eqx "module: +${version//./\\.}" stdout
 run --version
 check "--version prints info's version" test "$(cat stdout)" = "$version"
 run --help
@@ -586,6 +588,12 @@ for id in mask-opened mask-closed mask-denoised mask-no-specks mask-no-holes mas
     mask-grown bilateral median median-specks wavelet wavelet-low field-top deinterlaced-bottom; do
     check "the demo has $id" test -s "sheets/all/raccoon-$id.png"
 done
+mkdir views
+run demo views --samples photographs --pictures raccoon-mask.png raccoon-zoom-linear-2x.png
+check "only the pictures that were asked for" \
+    test "$(ls views | tr '\n' ' ')" = 'raccoon-mask.png raccoon-zoom-linear-2x.png '
+check "a small picture asked for is the sheet's" \
+    same views/raccoon-mask.png sheets/all/raccoon-mask.png
 run convert sheets/all/raccoon-mask.png mask.raw --to gray8
 check "a mask is black and white" test -z "$(tr -d '\000\377' <mask.raw | head -c 1)"
 run convert sheets/all/raccoon-wavelet-back.png back.raw --to gray8
@@ -604,6 +612,8 @@ run convert sheets/all/raccoon-flip.png flipped.raw --to argb
 check "the flip begins with the last row" \
     same <(head -c 384 flipped.raw) <(tail -c 384 photograph.raw)
 
+fails 1 'the demo has no picture raccoon-none.png' demo out --samples photographs \
+    --pictures raccoon-mask.png raccoon-none.png
 fails 1 'cannot read the samples folder missing' demo out/sheet --samples missing
 mkdir bare
 fails 1 'no PNG files in the samples folder bare' demo out/sheet --samples bare

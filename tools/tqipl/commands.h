@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 // The commands of tqipl, each with what its command line gave. They throw HostError.
 
@@ -38,3 +39,4 @@ struct DemoOptions {
 void RunDemo(const DemoOptions& options);
 
 }  // namespace tqipl
+    std::vector<std::string> pictures;  // only these files, in the size of the sheet

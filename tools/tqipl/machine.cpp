@@ -9,7 +9,9 @@
 
 namespace tqipl {
 
-std::string Version() { return TQIPL_VERSION; }
+std::string Version() { return TQIPL_VERSION_STRING; }
+
+std::string ModuleVersion() { return TQ_GetVersion(); }
 
 unsigned int Processors() { return CTQIPLThreadPool::GetProcessorsNum(); }
 

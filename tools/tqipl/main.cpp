@@ -140,6 +140,9 @@ int Fail(const std::string& text, int exitCode) {
 }  // namespace
 
 int main(int argc, char** argv) {
+        command->add_option("--pictures", demo.pictures,
+                            "Write only the named PNG files, as the contact sheet shows them, and "
+                            "no sheet");
     // A file that grows beyond the limit then fails to be written like any other.
     std::signal(SIGXFSZ, SIG_IGN);
     try {

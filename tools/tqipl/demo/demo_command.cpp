@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <iostream>
+#include <map>
 #include <system_error>
 
 #include "commands.h"
@@ -25,8 +26,9 @@ namespace fs = std::filesystem;
 fs::path SamplesFolder(const std::string& wanted) {
     if (!wanted.empty()) return wanted;
     std::error_code ignored;
-    if (fs::is_directory(TQIPL_SAMPLES_DIR, ignored)) return TQIPL_SAMPLES_DIR;
-    return "samples";
+    const fs::path program = fs::read_symlink("/proc/self/exe", ignored);
+    const fs::path shared = (program.parent_path() / TQIPL_SAMPLES).lexically_normal();
+    return !program.empty() && fs::is_directory(shared, ignored) ? shared : "samples";
 }
 
 std::vector<fs::path> FindPhotographs(const fs::path& folder) {
@@ -71,15 +73,40 @@ std::string Summary(const std::string& fileName, const Timing& timing) {
     return both + (timing.sameBytes ? ", same bytes" : ", DIFFERENT BYTES");
 }
 
+std::string FileName(const Sample& sample, const Exhibit& exhibit) {
+    return sample.name + "-" + exhibit.id + ".png";
+}
+
 void ShowExhibit(const Sample& sample, const Exhibit& exhibit, const fs::path& folder,
                  Progress& progress, Sheet& sheet) {
-    const std::string fileName = sample.name + "-" + exhibit.id + ".png";
+    const std::string fileName = FileName(sample, exhibit);
     progress.Begin(fileName);
     const Shown shown = exhibit.make();
     WritePng(folder / fileName, shown.picture);
     const Picture view = MakeView(shown.picture, exhibit.view);
     sheet.Add(exhibit, shown, fileName, EncodePng(view), view.size);
     progress.End(Summary(fileName, shown.timing));
+}
+
+void WriteViews(const std::vector<Sample>& samples, const std::vector<Programme>& programmes,
+                const DemoOptions& options) {
+    std::map<std::string, const Exhibit*> known;
+    for (size_t i = 0; i < samples.size(); ++i)
+        for (const std::vector<Exhibit>& exhibits : programmes[i])
+            for (const Exhibit& exhibit : exhibits) known[FileName(samples[i], exhibit)] = &exhibit;
+    for (const std::string& name : options.pictures)
+        if (!known.contains(name)) throw HostError("the demo has no picture " + name);
+
+    Progress progress(options.pictures.size());
+    for (const std::string& name : options.pictures) {
+        progress.Begin(name);
+        const Exhibit& exhibit = *known[name];
+        const Shown shown = exhibit.make();
+        if (!shown.timing.sameBytes && shown.timing.notCompared == nullptr)
+            throw HostError("plain and MultiThread forms gave different bytes in " + name);
+        WritePng(fs::path(options.folder) / name, MakeView(shown.picture, exhibit.view));
+        progress.End(Summary(name, shown.timing));
+    }
 }
 
 }  // namespace
@@ -97,6 +124,7 @@ void RunDemo(const DemoOptions& options) {
         programmes.push_back(MakeProgramme(sample));
         for (const std::vector<Exhibit>& exhibits : programmes.back()) pictures += exhibits.size();
     }
+    if (!options.pictures.empty()) return WriteViews(samples, programmes, options);
     std::cout << Count(samples.size(), "photograph", "photographs") << ", "
               << Count(pictures, "picture", "pictures") << ", " << MachineSummary() << std::endl;
 
