@@ -1,20 +1,22 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds, and runs every test. Without arguments: GCC, Release. With
-# preset names (linux-gcc, linux-clang, asan, tsan, windows; peers compares with OpenCV): those, one
-# after the other.
+# preset names (linux-gcc, linux-clang, asan, tsan, windows; docs builds the documentation and
+# opens it in Chromium; peers compares with OpenCV; soak runs the soak test alone, for three
+# minutes): those, one after the other.
 set -euo pipefail
 cd "$(dirname "$0")"
 
 presets=("$@")
 [ ${#presets[@]} -gt 0 ] || presets=(linux-gcc)
 
-packages=(cmake ninja-build g++ googletest pkg-config libcli11-dev libpng-dev clang-format ffmpeg)
+packages=(cmake ninja-build g++ googletest pkg-config libcli11-dev libpng-dev clang-format ffmpeg
+    clang dpkg-dev file)
 for preset in "${presets[@]}"; do
     case "$preset" in
-        linux-clang) packages+=(clang) ;;
+        docs) packages+=(doxygen chromium python3) ;;
         peers) packages+=(libopencv-dev) ;;
-        tsan) packages+=(clang libclang-rt-14-dev) ;;
-        windows) packages+=(g++-mingw-w64-x86-64-posix wine wine64) ;;
+        tsan) packages+=(libclang-rt-14-dev) ;;
+        windows) packages+=(g++-mingw-w64-x86-64-posix wine wine64 lld llvm) ;;
     esac
 done
 echo "== packages: ${packages[*]}"
