@@ -1,7 +1,7 @@
 # cmake -DSOURCE_DIR= -DCLANG_FORMAT= -P: who includes whom, ASCII, and format.
 set(families "memory|color|zoom|morph|filter|wavelet")
 set(sources "")
-foreach(folder include frame memory color zoom morph filter wavelet tests bench examples tools)
+foreach(folder include frame memory color zoom morph filter wavelet tests fuzz bench examples tools)
     file(GLOB_RECURSE found RELATIVE ${SOURCE_DIR}
         ${SOURCE_DIR}/${folder}/*.h ${SOURCE_DIR}/${folder}/*.cpp)
     if(NOT found)
