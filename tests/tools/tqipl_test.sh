@@ -75,7 +75,7 @@ run --version
 check "--version prints info's version" test "$(cat stdout)" = "$version"
 run --help
 check "the help names every command" \
-    test "$(grep -Ec '^  (info|zoom|convert|demo) ' stdout)" = 4
+    test "$(grep -Ec '^  (info|zoom|convert|demo|video) ' stdout)" = 5
 
 # --- PNG files of every kind ----------------------------------------------------------------------
 
@@ -492,7 +492,7 @@ fails 1 'a frame of 4x4 in hsvp takes 192 bytes, the file has 256' \
     convert ramp.raw out/x.png --from hsvp --size 4x4
 
 fails 2 'subcommand'
-fails 2 "unknown command 'paint'; known are: info, zoom, convert, demo" paint
+fails 2 "unknown command 'paint'; known are: info, zoom, convert, demo, video" paint
 fails 2 '' info more
 fails 2 '--method' zoom small.png out/x.png --size 8x8
 fails 2 '--size' zoom small.png out/x.png --method nn

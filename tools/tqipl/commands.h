@@ -32,11 +32,28 @@ struct ConvertOptions {
 };
 void RunConvert(const ConvertOptions& options);
 
+struct VideoOptions {
+    std::string input;   // "-" for the standard input
+    std::string output;  // "-" for the standard output
+    std::string from = "y4m";
+    std::string to;    // empty: as from
+    std::string size;  // of raw frames, as the three below; may be empty
+    std::string rate;
+    std::string aspect;
+    std::string interlace;
+    std::string matrix;  // of the frames that are read; may be empty
+    std::vector<std::string> operations;
+    bool quiet = false;
+};
+void RunVideo(const VideoOptions& options);
+std::string VideoFormatList();
+std::string VideoOperationList();
+
 struct DemoOptions {
     std::string folder;
     std::string samples;  // empty: the samples folder of the source tree, or ./samples
+    std::vector<std::string> pictures;  // only these files, in the size of the sheet
 };
 void RunDemo(const DemoOptions& options);
 
 }  // namespace tqipl
-    std::vector<std::string> pictures;  // only these files, in the size of the sheet

@@ -55,6 +55,7 @@ struct CommandLine {
         AddZoom();
         AddConvert();
         AddDemo();
+        AddVideo();
     }
 
     std::string CommandNames() {
@@ -102,17 +103,53 @@ struct CommandLine {
         command->callback([this] { RunConvert(convert); });
     }
 
+    void AddVideo() {
+        CLI::App* command = app.add_subcommand(
+            "video", "Run operations on the frames of a Y4M stream or of raw video");
+        command->add_option("IN", video.input, "The file to read; - is the standard input")
+            ->required();
+        command->add_option("OUT", video.output, "The file to write; - is the standard output")
+            ->required();
+        command
+            ->add_option("--op", video.operations,
+                         "An operation, NAME or NAME=ARGUMENTS; may be given again")
+            ->allow_extra_args(false);
+        command->add_option("--from", video.from, "y4m (the default), or a format of raw frames");
+        command->add_option("--to", video.to,
+                            "y4m, or a format of raw frames; by default as --from");
+        command->add_option("--size", video.size, "WIDTHxHEIGHT of the raw frames to read");
+        command->add_option("--rate", video.rate,
+                            "Frames a second of raw frames, as 25 (the default) or 30000:1001");
+        command->add_option(
+            "--aspect", video.aspect,
+            "Width to height of a pixel of raw frames, as 1:1; not known by default");
+        command->add_option(
+            "--interlace", video.interlace,
+            "Of raw frames: p progressive, t top field first, b bottom field first, "
+            "m mixed; not known by default");
+        command->add_option("--matrix", video.matrix,
+                            "Matrix of the frames that are read: 601, 709 or 2020; 601 where an "
+                            "operation needs one");
+        command->add_flag("--quiet", video.quiet, "No progress on the standard error");
+        command->footer(VideoOperationList() + "\n" + VideoFormatList() + "\n" + ZoomMethodList());
+        command->callback([this] { RunVideo(video); });
+    }
+
     void AddDemo() {
         CLI::App* command = app.add_subcommand(
             "demo", "Run the library's routines on photographs; write PNG files and index.html");
         command->add_option("DIR", demo.folder, "The folder to write to")->required();
         command->add_option("--samples", demo.samples, "The folder of the photographs");
+        command->add_option("--pictures", demo.pictures,
+                            "Write only the named PNG files, as the contact sheet shows them, and "
+                            "no sheet");
         command->callback([this] { RunDemo(demo); });
     }
 
     CLI::App app;
     ZoomOptions zoom;
     ConvertOptions convert;
+    VideoOptions video;
     DemoOptions demo;
 };
 
@@ -140,9 +177,6 @@ int Fail(const std::string& text, int exitCode) {
 }  // namespace
 
 int main(int argc, char** argv) {
-        command->add_option("--pictures", demo.pictures,
-                            "Write only the named PNG files, as the contact sheet shows them, and "
-                            "no sheet");
     // A file that grows beyond the limit then fails to be written like any other.
     std::signal(SIGXFSZ, SIG_IGN);
     try {
