@@ -4,11 +4,11 @@
 
 // Conversions between 8-bit pixel formats.
 //
-// Widths and heights are in pixels, strides in bytes between the starts of rows (negative ones
-// walk upwards). Source and destination must not overlap. No alignment is needed. In 4:2:2 formats
-// a pair of pixels shares its chroma; with an odd width the last pixel is neither read nor
-// written. All arithmetic is in single precision, one rounding for each operation in a fixed
-// order, so the bytes are the same everywhere.
+// Widths and heights are in pixels, strides in bytes between the starts of rows (negative ones walk
+// upwards). Source and destination must not overlap. No alignment is needed. In 4:2:2 formats a
+// pair of pixels shares its chroma; with an odd width the last pixel is neither read nor written,
+// but by the luma forms. All arithmetic is in single precision, one rounding for each operation in
+// a fixed order, so the bytes are the same everywhere.
 //
 // Layouts in rising address order: ARGB is blue, green, red, alpha; YUYV is Y0, U, Y1, V; UYVY is
 // U, Y0, V, Y1; VUYT is V, U, Y and a byte that is not read.
@@ -123,7 +123,7 @@ TQIPL_API void IPL_ARGB_To_YUVP422_709_MultiThread(int width, int height, int sr
 // not checked.
 //
 // On one processor the forms take (width >> 1) bytes a row whatever half is (with half 0, of every
-// row): kept on purpose, and the one place where the processor count changes a result.
+// row): kept on purpose.
 TQIPL_API void IPL_YUYV_To_YMultiThread(int width, int height, int srcStride, unsigned char* src,
                                         int dstStride, unsigned char* dst, int half);
 TQIPL_API void IPL_UYVY_To_YMultiThread(int width, int height, int srcStride, unsigned char* src,

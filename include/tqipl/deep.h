@@ -64,7 +64,10 @@ TQIPL_API void IPL_V210_To_Lum32MultiThread(int width, int height, int srcStride
                                             unsigned char* src, int dstStride, int* dst);
 
 // V216: 16-bit samples U, Y0, V, Y1 for two pixels. With an odd width the last pixel is neither
-// read nor written, but for IPL_V216_To_Lum32, which takes every luma. To BGRA from the high bytes.
+// read nor written, but for IPL_V216_To_Lum32, which takes every luma.
+
+// To BGRA from the high bytes, as from V210; to and from the 16-bit planes of YUVP216, and to ints,
+// with the samples as they are.
 TQIPL_API void IPL_V216_To_BGRA_601(int width, int height, int srcStride, unsigned char* src,
                                     int dstStride, unsigned char* dst);
 TQIPL_API void IPL_V216_To_BGRA_601MultiThread(int width, int height, int srcStride,
@@ -92,11 +95,13 @@ TQIPL_API void IPL_V216_To_Lum32(int width, int height, int srcStride, unsigned 
 TQIPL_API void IPL_V216_To_Lum32MultiThread(int width, int height, int srcStride,
                                             unsigned char* src, int dstStride, int* dst);
 
-// Deep BGR. BGRTQ10b is a 32-bit word of red in bits 31 to 22, green in 21 to 12, blue in 11 to 2;
+// Deep BGR: BGRTQ10b is a 32-bit word of red in bits 31 to 22, green in 21 to 12, blue in 11 to 2;
 // BGR10b one of blue in bits 29 to 20, green in 19 to 10, red in 9 to 0; the two other bits are
 // zero when written and ignored when read. (IPL_BGR10b_To_Lum and IPL_BGR10b_To_Lum32 read the
-// BGRTQ10b word, in spite of their names.) BGRTQ16b and BGR16b are 16-bit blue, green, red. Bits
-// are dropped or filled with zero, never rounded or repeated. The BGRA forms do not write alpha.
+// BGRTQ10b word, in spite of their names.) BGRTQ16b and BGR16b are 16-bit blue, green, red.
+
+// From one to another. Bits are dropped or filled with zero, never rounded or repeated. The BGRA
+// forms do not write alpha.
 TQIPL_API void IPL_BGRTQ10b_To_BGRA(int width, int height, int srcStride, unsigned char* src,
                                     int dstStride, unsigned char* dst);
 TQIPL_API void IPL_BGRTQ10b_To_BGRAMultiThread(int width, int height, int srcStride,

@@ -74,6 +74,8 @@ TQIPL_API void IPL_BilteralExMutiThread_8u_C1R(int width, int height, int srcStr
 TQIPL_API void IPL_BilteralExMutiThread_8u_C1R(int width, int height, int stride,
                                                unsigned char* image, int radius, int sigma);
 
+// Gauss, mean and median: filters over a window, the same for every pixel.
+
 // Gauss 3 x 3, rounded: weights 4 for the pixel, 2 for its neighbours in row and column, 1 for the
 // diagonal ones, in sixteenths. First and last row and column are copied. If width or height is
 // below 4, the rows of dst are copied to src: that direction is kept on purpose.
@@ -117,6 +119,8 @@ TQIPL_API void IPL_Median_8u_C1R(int width, int height, int stride, unsigned cha
 // is 0, nothing is written. There is no in-place form.
 TQIPL_API void IPL_Median3x3_8u_C1R(int width, int height, int srcStride, unsigned char* src,
                                     int dstStride, unsigned char* dst);
+
+// Fields and measures: frames from the fields of an interlaced plane, and differences in decibels.
 
 // The two fields of an interlaced plane to two frames of 2 * height rows; height is that of a
 // field. The rows of field0 are the even rows of frame0, those of field1 the odd rows of frame1.

@@ -87,9 +87,10 @@ TQIPL_API void IPL_FCCLabelingDeNoiseEx2_MultiThread(unsigned int width, unsigne
                                                      unsigned int stride, unsigned char* mask,
                                                      unsigned int threshold);
 
-// The next three clean a mask by a guide of the same size. Zero bytes are the pixels of interest in
-// both. The guide is only read, and must not overlap the mask. A width or height of 0 or above
-// INT_MAX, or a null guide or mask, does nothing. Strides and the threshold are not checked.
+// Cleaning by a guide: the next three clean a mask by a guide of the same size. Zero bytes are the
+// pixels of interest in both. The guide is only read, and must not overlap the mask. A width or
+// height of 0 or above INT_MAX, or a null guide or mask, does nothing. Strides and the threshold
+// are not checked.
 
 // Sets to 255 the zero regions of the mask that the guide does not confirm. A zero region of the
 // guide with more than threshold pixels confirms one region of the mask at most: of those that

@@ -19,9 +19,9 @@
 //                            whatever it held
 // In both the time for a pixel does not depend on the radii.
 
-// IPL_Erosion: 255 where every byte of the window is set, else 0. IPL_Dilation: 255 where any byte
-// is, else 0. In place. A dilation clears the margin too, so it shrinks the usable image as much
-// as an erosion does. Radii that leave no inner pixel clear the image.
+// IPL_Erosion gives 255 where every byte of the window is set, IPL_Dilation where any byte is; all
+// else becomes 0. In place. A dilation clears the margin too, so it shrinks the usable image as
+// much as an erosion does. Radii that leave no inner pixel clear the image.
 //
 // A negative radius has no margin, and its window holds no pixel: then IPL_Erosion makes every set
 // byte inside the other radius's margin 255, and IPL_Dilation clears the image.
@@ -52,8 +52,8 @@ TQIPL_API void IPL_DeNoise(int width, int height, int stride, unsigned char* ima
 TQIPL_API void IPL_DeNoise_MultiThread(int width, int height, int stride, unsigned char* image,
                                        int radiusY, int radiusX);
 
-// IPL_FErosion: 255 where every pixel of the clipped window is set, else 0. IPL_FDilation: 255
-// where any is, else 0. A radius of the image's side or more takes in the whole side. A negative
+// IPL_FErosion gives 255 where every pixel of the clipped window is set, IPL_FDilation where any
+// is; all else becomes 0. A radius of the image's side or more takes in the whole side. A negative
 // radius leaves a window without pixels: IPL_FErosion then sets the image to 255, IPL_FDilation to
 // 0.
 //

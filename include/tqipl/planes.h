@@ -8,7 +8,8 @@
 //
 // Widths and heights are in pixels, strides in bytes. A height below 1 does nothing. In 4:2:2
 // formats the last column of an odd width is neither read nor written. Pointers are not checked.
-// Each MultiThread form gives the bytes of its plain form, at any number of processors.
+// Each MultiThread form gives the bytes of its plain form, at any number of processors, but for
+// planes with several strides, as told below.
 
 // One byte a sample: ARGB and BGR24 give blue, green, red (and alpha); AYUV gives Y, U, V (and
 // alpha); YUYV and UYVY give Y with width samples a row, U and V with width / 2. The number of

@@ -6,10 +6,10 @@
 // including bottom. A routine that takes one clamps it to its image first; see image_memory.h. The
 // rectangles that labelling lists are the exception: all four of their fields are inclusive.
 struct TQ_RECT {
-    int left;
-    int top;
-    int right;
-    int bottom;
+    int left;    // the first column
+    int top;     // the first row
+    int right;   // the first column behind
+    int bottom;  // the first row below
 };
 
 // Pixel layouts, one bit each. Bytes are named in rising address order. Values that are not listed
@@ -31,9 +31,9 @@ enum TQ_COLOR_FORMAT : int {
 
 // Accepted where a signature has it, and not interpreted: those routines have a fixed matrix.
 enum TQ_COLOR_MATRIX : int {
-    TQ_COLOR_MATRIX_601 = 0,
-    TQ_COLOR_MATRIX_709 = 1,
-    TQ_COLOR_MATRIX_2020 = 2,
+    TQ_COLOR_MATRIX_601 = 0,   // ITU-R BT.601
+    TQ_COLOR_MATRIX_709 = 1,   // ITU-R BT.709
+    TQ_COLOR_MATRIX_2020 = 2,  // ITU-R BT.2020
 };
 
 // A thread pool's numbers at one moment; see CTQIPLThreadPool::GetThreadStats.
