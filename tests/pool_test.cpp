@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <atomic>
+#include <chrono>
 #include <memory>
 #include <mutex>
 #include <new>
@@ -465,7 +466,7 @@ TEST_F(Pool, RaisingTheMaximumServesARequestThatWaits) {
         std::atomic<int> ran{0};
         TaskList tasks(3, [&](int) { ++ran; });
         std::thread caller([&] { Run(tasks, 2); });
-        for (int i = 0; i < 200 * round; ++i) std::this_thread::yield();
+        std::this_thread::sleep_for(std::chrono::microseconds(50 * round));
         EXPECT_EQ(ran, 0);  // both workers are held
         m_pool.SetThreadLimits(0, 4);
         caller.join();
