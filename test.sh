@@ -34,10 +34,6 @@ for preset in "${presets[@]}"; do
     if [ "$preset" = windows ]; then
         mkdir -p build
         wineboot -u < /dev/null > /dev/null 2>&1
-        # One server for all programs, in place of one that ends with each of them.
-        wineserver -w
-        wineserver -p
-        trap 'wineserver -k' EXIT
     fi
     echo "== $preset: tests"
     ctest --preset "$preset" -j "$(nproc)" < /dev/null
