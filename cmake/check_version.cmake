@@ -1,8 +1,18 @@
 # cmake -DSOURCE_DIR= -DVERSION= -P: the version stands in include/tqipl/version.h alone, and the
 # list of changes has it as its latest release, dated, with nothing but what is to come above it.
+cmake_minimum_required(VERSION 3.25)
 string(REPLACE . "\\." pattern ${VERSION})
-file(GLOB_RECURSE files RELATIVE ${SOURCE_DIR} ${SOURCE_DIR}/*)
-list(FILTER files EXCLUDE REGEX "^(build[^/]*|out|\\.git)/|\\.png$")
+# Builds are not even listed: one of them may hold a link to the whole machine.
+file(GLOB files RELATIVE ${SOURCE_DIR} ${SOURCE_DIR}/*)
+list(FILTER files EXCLUDE REGEX "^(build.*|out|\\.git)$")
+foreach(entry IN LISTS files)
+    if(IS_DIRECTORY ${SOURCE_DIR}/${entry})
+        list(REMOVE_ITEM files ${entry})
+        file(GLOB_RECURSE found RELATIVE ${SOURCE_DIR} ${SOURCE_DIR}/${entry}/*)
+        list(APPEND files ${found})
+    endif()
+endforeach()
+list(FILTER files EXCLUDE REGEX "\\.png$")
 list(REMOVE_ITEM files CHANGELOG.md include/tqipl/version.h)
 list(LENGTH files count)
 if(count LESS 100)
