@@ -58,11 +58,27 @@ void ForEachRow(TQ_COLOR_FORMAT format, int width, int height, int stride, unsig
     }
 }
 
-// The bands of a MultiThread form; `member` is the part of a task that `mode` names. own's planes
-// run down the image.
+// Whether the rows of an image that is built share bytes.
+bool ImageRowsOverlap(TQ_COLOR_FORMAT format, int width, int stride, tq::StrideArray& strides) {
+    const int64_t steps = width / WalkOf(format, strides.GetSize()).pixelsAtATime;
+    return steps > 0 && tq::RowsOverlap(steps * (format == TQ_COLOR_BGR24 ? 3 : 4), stride);
+}
+
+// Whether the rows of a plane that is split off do.
+bool PlaneRowsOverlap(TQ_COLOR_FORMAT format, int width, tq::StrideArray& strides) {
+    const Walk walk = WalkOf(format, strides.GetSize());
+    const int steps = width / walk.pixelsAtATime;
+    for (int i = 0; i < walk.planes && steps > 0; ++i)
+        if (tq::RowsOverlap(i == 0 ? int64_t{steps} * walk.pixelsAtATime : steps, strides.GetAt(i)))
+            return true;
+    return false;
+}
+
+// The bands of a MultiThread form, which run one after the other if rows of the results overlap;
+// `member` is the part of a task that `mode` names. own's planes run down the image.
 template <class Member>
 void RunBands(int mode, Member CFunImageTask::*member, TQ_COLOR_FORMAT format, int width,
-              int height, int stride, unsigned char* image, tq::OwnPlanes& own) {
+              int height, int stride, unsigned char* image, tq::OwnPlanes& own, bool overlap) {
     const tq::BandPlan plan = tq::PlanBands(tq::kBandFormPlanes, height);
     tq::TaskSet<CFunImageTask> tasks;
     for (int i = 0; i < plan.count; ++i) {
@@ -81,7 +97,10 @@ void RunBands(int mode, Member CFunImageTask::*member, TQ_COLOR_FORMAT format, i
             tq::AdvancePlanes(band.m_nHeight, own.strides, own.planes);
         }
     }
-    tasks.Run();
+    if (overlap)
+        tasks.RunInOrder();
+    else
+        tasks.Run();
 }
 
 }  // namespace
@@ -122,7 +141,8 @@ void IPL_SplitColorMultiThread(TQ_COLOR_FORMAT format, int width, int height, in
         IPL_SplitColor(format, width, height, stride, image, own.strides, own.planes);
         return;
     }
-    RunBands(0, &CFunImageTask::m_split, format, width, height, stride, image, own);
+    RunBands(0, &CFunImageTask::m_split, format, width, height, stride, image, own,
+             PlaneRowsOverlap(format, width, own.strides));
 }
 
 void IPL_BuildColorMultiThread(TQ_COLOR_FORMAT format, int width, int height,
@@ -134,5 +154,6 @@ void IPL_BuildColorMultiThread(TQ_COLOR_FORMAT format, int width, int height,
         IPL_BuildColor(format, width, height, own.strides, own.planes, stride, image);
         return;
     }
-    RunBands(1, &CFunImageTask::m_build, format, width, height, stride, image, own);
+    RunBands(1, &CFunImageTask::m_build, format, width, height, stride, image, own,
+             ImageRowsOverlap(format, width, stride, own.strides));
 }

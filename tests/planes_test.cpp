@@ -153,13 +153,33 @@ TEST(Planes, EachPlaneHasAStrideOfItsOwn) {
             settings.UseProcessors(processors);
             // One pixel a row, rows 5 bytes apart.
             const Bytes argb = {1, 2, 3, 4, 0, 5, 6, 7, 8, 0, 9, 10, 11, 12};
-            EXPECT_EQ(Split(TQ_COLOR_ARGB, 1, 3, argb, 5, {1, 2, 3, 0}, 4, 7, form)[0],
-                      (Bytes{1, 5, 9, 99, 99, 99, 99}));
             EXPECT_EQ(Split(TQ_COLOR_ARGB, 1, 3, argb, 5, {1, 2, 3, 1}, 4, 7, form),
                       (Planes{{1, 5, 9, 99, 99, 99, 99},
                               {2, 99, 6, 99, 10, 99, 99},
                               {3, 99, 99, 7, 99, 99, 11},
                               {4, 8, 12, 99, 99, 99, 99}}));
+        }
+}
+
+// A host's mistake; its rows are written from the first to the last in every form.
+TEST(Planes, OfRowsAtOnePlaceTheLastStays) {
+    Settings settings;
+    for (Form form : {kPlain, kMultiThread})
+        for (unsigned processors : {1u, 2u, 3u, 16u}) {
+            settings.UseProcessors(processors);
+            const Bytes argb = {1, 2, 3, 4, 0, 5, 6, 7, 8, 0, 9, 10, 11, 12};
+            EXPECT_EQ(Split(TQ_COLOR_ARGB, 1, 3, argb, 5, {1, 2, 3, 0}, 4, 7, form),
+                      (Planes{{1, 5, 9, 99, 99, 99, 99},
+                              {2, 99, 6, 99, 10, 99, 99},
+                              {3, 99, 99, 7, 99, 99, 11},
+                              {12, 99, 99, 99, 99, 99, 99}}));
+            const Planes planes = {{1, 5, 9}, {2, 6, 10}, {3, 7, 11}, {4, 8, 12}};
+            EXPECT_EQ(Build(TQ_COLOR_ARGB, 1, 3, planes, {1, 1, 1, 1}, 0, 6, form),
+                      (Bytes{9, 10, 11, 12, 99, 99}));
+            // Two pixels: one luma of each row under the next.
+            EXPECT_EQ(Split(TQ_COLOR_YUYV, 2, 3, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}, 4,
+                            {1, 1, 0}, 3, 4, form),
+                      (Planes{{1, 5, 9, 11}, {2, 6, 10, 99}, {12, 99, 99, 99}}));
         }
 }
 
