@@ -18,28 +18,29 @@ struct Walk {
     const tq::PlanesKernels::Layout* layout;
     int planes;         // read from the arrays
     int pixelsAtATime;  // 1, or 2 for pairs
+    int bytesAtATime;   // of the image
 };
 Walk WalkOf(TQ_COLOR_FORMAT format, int64_t strides) {
     const tq::PlanesKernels& kernels = tq::SelectKernels(kKernels);
     switch (format) {
         case TQ_COLOR_ARGB:
-            if (strides == 3) return {&kernels.argb3, 3, 1};
-            if (strides == 4) return {&kernels.argb4, 4, 1};
+            if (strides == 3) return {&kernels.argb3, 3, 1, 4};
+            if (strides == 4) return {&kernels.argb4, 4, 1, 4};
             break;
         case TQ_COLOR_AYUV:
-            if (strides == 3) return {&kernels.ayuv3, 3, 1};
-            if (strides == 4) return {&kernels.ayuv4, 4, 1};
+            if (strides == 3) return {&kernels.ayuv3, 3, 1, 4};
+            if (strides == 4) return {&kernels.ayuv4, 4, 1, 4};
             break;
         case TQ_COLOR_BGR24:
-            return {&kernels.bgr24, 3, 1};
+            return {&kernels.bgr24, 3, 1, 3};
         case TQ_COLOR_YUYV:
-            return {&kernels.yuyv, 3, 2};
+            return {&kernels.yuyv, 3, 2, 4};
         case TQ_COLOR_UYVY:
-            return {&kernels.uyvy, 3, 2};
+            return {&kernels.uyvy, 3, 2, 4};
         default:
             break;
     }
-    return {nullptr, 0, 1};
+    return {nullptr, 0, 1, 0};
 }
 
 // The row loop of both plain forms: row(kernels, image row, plane rows, count). Row r of a plane is
@@ -60,16 +61,18 @@ void ForEachRow(TQ_COLOR_FORMAT format, int width, int height, int stride, unsig
 
 // Whether the rows of an image that is built share bytes.
 bool ImageRowsOverlap(TQ_COLOR_FORMAT format, int width, int stride, tq::StrideArray& strides) {
-    const int64_t steps = width / WalkOf(format, strides.GetSize()).pixelsAtATime;
-    return steps > 0 && tq::RowsOverlap(steps * (format == TQ_COLOR_BGR24 ? 3 : 4), stride);
+    const Walk walk = WalkOf(format, strides.GetSize());
+    const int64_t steps = width / walk.pixelsAtATime;
+    return steps > 0 && tq::RowsOverlap(steps * walk.bytesAtATime, stride);
 }
 
-// Whether the rows of a plane that is split off do.
+// Whether the rows of a plane that is split off do. The first takes each pixel, the others each
+// step.
 bool PlaneRowsOverlap(TQ_COLOR_FORMAT format, int width, tq::StrideArray& strides) {
     const Walk walk = WalkOf(format, strides.GetSize());
-    const int steps = width / walk.pixelsAtATime;
+    const int64_t steps = width / walk.pixelsAtATime;
     for (int i = 0; i < walk.planes && steps > 0; ++i)
-        if (tq::RowsOverlap(i == 0 ? int64_t{steps} * walk.pixelsAtATime : steps, strides.GetAt(i)))
+        if (tq::RowsOverlap(i == 0 ? steps * walk.pixelsAtATime : steps, strides.GetAt(i)))
             return true;
     return false;
 }
@@ -97,10 +100,7 @@ void RunBands(int mode, Member CFunImageTask::*member, TQ_COLOR_FORMAT format, i
             tq::AdvancePlanes(band.m_nHeight, own.strides, own.planes);
         }
     }
-    if (overlap)
-        tasks.RunInOrder();
-    else
-        tasks.Run();
+    tasks.RunOnRows(overlap);
 }
 
 }  // namespace

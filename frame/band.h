@@ -80,18 +80,13 @@ public:
     // Throws what a task throws, and std::bad_alloc if memory runs out in the pool.
     void Run() { CTQIPLThreadPool::GetInstance()->RunTasks(m_tasks, -1); }
 
-    // One after the other, by the caller's thread.
-    void RunInOrder() {
+    // The same for tasks that write rows of their own: one after the other where those rows share
+    // bytes.
+    void RunOnRows(bool overlap) {
+        if (!overlap) return Run();
         for (int i = 0; i < Count(); ++i) At(i).Run();
     }
-
-    // For tasks that write rows of their own in one image: in order where those rows share bytes.
-    void RunOnRows(int64_t width, int64_t stride) {
-        if (RowsOverlap(width, stride))
-            RunInOrder();
-        else
-            Run();
-    }
+    void RunOnRows(int64_t width, int64_t stride) { RunOnRows(RowsOverlap(width, stride)); }
 
 private:
     CTQArray<CTQIPLTaskBase*, CTQIPLTaskBase*> m_tasks;

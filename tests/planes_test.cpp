@@ -176,11 +176,26 @@ TEST(Planes, OfRowsAtOnePlaceTheLastStays) {
             const Planes planes = {{1, 5, 9}, {2, 6, 10}, {3, 7, 11}, {4, 8, 12}};
             EXPECT_EQ(Build(TQ_COLOR_ARGB, 1, 3, planes, {1, 1, 1, 1}, 0, 6, form),
                       (Bytes{9, 10, 11, 12, 99, 99}));
-            // Two pixels: one luma of each row under the next.
+            // The second luma of a row lies where the first of the next does.
             EXPECT_EQ(Split(TQ_COLOR_YUYV, 2, 3, {1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}, 4,
                             {1, 1, 0}, 3, 4, form),
                       (Planes{{1, 5, 9, 11}, {2, 6, 10, 99}, {12, 99, 99, 99}}));
         }
+
+    // Rows of one value each, from 200 down to 137, so many that bands take their time.
+    constexpr int kWidth = 20000, kStride = 4 * kWidth;
+    Bytes rows;
+    for (int value = 200; value >= 137; --value)
+        rows.insert(rows.end(), kStride, static_cast<uint8_t>(value));
+    settings.UseProcessors(16);
+    for (int round = 0; round < 10; ++round) {
+        EXPECT_EQ(
+            Split(TQ_COLOR_ARGB, kWidth, 64, rows, kStride, {0, 0, 0, 0}, 4, kWidth, kMultiThread),
+            Planes(4, Bytes(kWidth, 137)));
+        EXPECT_EQ(Build(TQ_COLOR_ARGB, kWidth, 64, Planes(4, rows),
+                        {kStride, kStride, kStride, kStride}, 0, kStride, kMultiThread),
+                  Bytes(kStride, 137));
+    }
 }
 
 TEST(Planes, ArgbAndAyuvNeedThreeOrFourStrides) {
